@@ -1,0 +1,45 @@
+# corvane_test(map/ViewManagerTest [LIBS ...] [SOURCES ...] [LABELS ...] [DEFINITIONS ...] [DEPENDS ...])
+#
+# Builds tests/map/ViewManagerTest.cpp and registers it as map.ViewManager. The folder is the
+# test's first label. Each test runs off screen, with a home and settings folder of its own.
+function(corvane_test name)
+    cmake_parse_arguments(arg "" "" "LIBS;SOURCES;LABELS;DEFINITIONS;DEPENDS" ${ARGN})
+    get_filename_component(folder ${name} DIRECTORY)
+    get_filename_component(file ${name} NAME)
+    string(REPLACE "/" "." dotted ${folder})
+    string(REGEX REPLACE "Test$" "" unit ${file})
+    set(test ${dotted}.${unit})
+    set(target ${dotted}.${file})
+
+    add_executable(${target} ${CMAKE_SOURCE_DIR}/tests/${name}.cpp ${arg_SOURCES})
+    set_target_properties(${target} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests/${folder}/${file})
+    target_link_libraries(${target} PRIVATE corvane corvane_flags Qt5::Test ${arg_LIBS})
+    target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR})
+    target_compile_definitions(${target} PRIVATE
+        CORVANE_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+        CORVANE_BINARY_DIR="${CMAKE_BINARY_DIR}"
+        CORVANE_PLUGIN_DIR="${CORVANE_PLUGIN_DIRECTORY}"
+        ${arg_DEFINITIONS})
+    if(arg_DEPENDS)
+        add_dependencies(${target} ${arg_DEPENDS})
+    endif()
+
+    set(home ${CMAKE_BINARY_DIR}/tests/${folder}/${file}/home)
+    file(MAKE_DIRECTORY ${home})
+    file(MAKE_DIRECTORY ${home}/runtime)
+    add_test(NAME ${test} COMMAND ${target} WORKING_DIRECTORY ${home})
+    set_tests_properties(${test} PROPERTIES
+        LABELS "${folder};${arg_LABELS}"
+        TIMEOUT 300
+        ENVIRONMENT "${CORVANE_TEST_ENVIRONMENT};HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_RUNTIME_DIR=${home}/runtime")
+endfunction()
+
+# Suppressions name what the tile engine leaves allocated by design, and what Qt and GDAL, built
+# without the sanitizers, hand over in ways that a sanitizer cannot see.
+set(CORVANE_TEST_ENVIRONMENT
+    "QT_QPA_PLATFORM=offscreen"
+    "LC_ALL=C.UTF-8"
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp:halt_on_error=1:second_deadlock_stack=1")

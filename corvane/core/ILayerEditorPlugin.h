@@ -1,0 +1,33 @@
+#pragma once
+
+#include <corvane/core/Export.h>
+
+#include <QList>
+#include <QtPlugin>
+
+class QAction;
+class QDockWidget;
+class QToolBar;
+class QWidget;
+
+namespace Corvane {
+
+/// What a plugin adds to the workspace. The order of the operations is part of the contract.
+/// GUI thread only; the caller places the widgets.
+class CORVANE_EXPORT ILayerEditorPlugin
+{
+public:
+    virtual QList<QDockWidget*> getDockWidgets() = 0;
+    /// The pages of the layer properties dialog; each may implement ILayerPropertiesWidget.
+    virtual QList<QWidget*> getLayerPropertyWidgets() = 0;
+    virtual QList<QToolBar*> getToolBars() = 0;
+    virtual QList<QAction*> getAddLayerActions() = 0;
+    virtual QList<QWidget*> getPrefsPages() = 0;
+
+protected:
+    ~ILayerEditorPlugin() = default;
+};
+
+} // namespace Corvane
+
+Q_DECLARE_INTERFACE(Corvane::ILayerEditorPlugin, "com.corvane.viewer.ILayerEditorPlugin/1.0")

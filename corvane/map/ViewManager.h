@@ -1,0 +1,87 @@
+#pragma once
+
+#include <corvane/core/Export.h>
+#include <corvane/map/IClient.h>
+
+#include <QList>
+
+namespace Corvane::Map {
+
+/// The one mapping between world coordinates (map units) and device coordinates (pixels) of a map
+/// view, the pointer gestures, and the list of clients that follow the view. It never paints.
+/// The mapping is a scale and an offset on each axis; in a north-up map tly is above bry.
+/// Nothing clamps or normalises the extents. GUI thread only.
+class CORVANE_EXPORT ViewManager
+{
+public:
+    /// Starts with the world of degrees on a 100 by 100 device and attaches client, which is not
+    /// owned and is called back at once: it must be able to take the extents by then.
+    explicit ViewManager(IClient* client);
+    ViewManager(const ViewManager& other) = default;
+    ViewManager& operator=(const ViewManager& other) = default;
+    virtual ~ViewManager();
+
+    /// Sets device and world rectangles at once and tells the clients; ignores a collapsed device.
+    void init(int left, int top, int right, int bottom, double tlx, double tly, double brx,
+              double bry);
+    /// New device rectangle, same world per pixel; the clients are told twice.
+    void resize(int left, int top, int width, int height);
+    /// Stores the device rectangle and tells nobody.
+    void setDeviceExtents(int left, int top, int width, int height);
+    /// Grows the rectangle to the device's shape and stores it; fire tells the clients.
+    /// False, with nothing changed, where both corners are the same point.
+    bool setWorldExtents(double tlx, double tly, double brx, double bry, bool fire);
+    void getWorldExtents(double* tlx, double* tly, double* brx, double* bry);
+    void convertDeviceToWorld(int x, int y, double* wx, double* wy);
+    void convertWorldToDevice(double wx, double wy, int* x, int* y) const;
+    /// Stores the value and tells the clients; no conversion applies it.
+    void setRotation(double rotation);
+
+    void setPointerMode(IClient::PointerMode mode);
+    IClient::PointerMode getPointerMode();
+    /// The view that leads in a geolink; stored, never called and not owned.
+    void setMasterClient(IClient* client);
+    IClient* getMasterClient();
+
+    /// Appends the client and tells it the extents; false where it is attached already.
+    bool attach(IClient* client);
+    /// Removes the client and in any case takes it out of its geolink.
+    void detach(IClient* client);
+    void beginClientUpdate();
+    void endClientUpdate();
+    void fireExtentChange();
+
+    void pointerDown(int x, int y);
+    void pointerMove(int x, int y);
+    void pointerUp(int x, int y);
+
+private:
+    double worldPerPixelX() const;
+    double worldPerPixelY() const;
+    void roamBy(int dx, int dy);
+    void zoomBy(int dy);
+    bool zoomToBox();
+
+    IClient::PointerMode pointerMode = IClient::Roam;
+    int deviceLeft = 0;
+    int deviceTop = 0;
+    int deviceRight = 100;
+    int deviceBottom = 100;
+    double tlx = 0.0;
+    double tly = 0.0;
+    double brx = 0.0;
+    double bry = 0.0;
+    QList<IClient*> clients; // not owned
+    int lastX = -1;
+    int lastY = -1;
+    int downX = -1;
+    int downY = -1;
+    int upX = -1;
+    int upY = -1;
+    double zoomFactor = 1.0;
+    double rotation = 0.0;
+    bool extentsInitialised = false;
+    IClient* masterClient = nullptr; // not owned
+};
+
+} // namespace Corvane::Map
