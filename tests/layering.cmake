@@ -1,0 +1,47 @@
+cmake_minimum_required(VERSION 3.25)
+
+# Reads the includes of the tree and fails on an arrow that runs the wrong way.
+#   cmake -DSOURCE_DIR=... -P tests/layering.cmake
+
+# What each folder may include, itself among it.
+set(allowed_compat compat)
+set(allowed_corvane/core core)
+set(allowed_corvane/map map core)
+set(allowed_corvane/tiles tiles map core)
+set(allowed_corvane/browser browser core)
+set(allowed_corvane/gui gui browser tiles map core)
+set(allowed_viewer gui browser tiles map core viewer)
+set(allowed_plugins gui browser tiles map core plugins)
+
+set(wrong "")
+set(arrows 0)
+foreach(folder compat corvane/core corvane/map corvane/tiles corvane/browser corvane/gui viewer plugins)
+    file(GLOB_RECURSE sources RELATIVE ${SOURCE_DIR}
+        ${SOURCE_DIR}/${folder}/*.h ${SOURCE_DIR}/${folder}/*.cpp)
+    foreach(source IN LISTS sources)
+        file(STRINGS ${SOURCE_DIR}/${source} includes REGEX "^ *# *include *[<\"](corvane|viewer|plugins)/")
+        foreach(include IN LISTS includes)
+            if(include MATCHES "[<\"]corvane/([a-z]+)/")
+                set(target ${CMAKE_MATCH_1})
+            elseif(include MATCHES "[<\"](viewer|plugins)/")
+                set(target ${CMAKE_MATCH_1})
+            endif()
+            math(EXPR arrows "${arrows} + 1")
+            # the plugin manager makes layers
+            if(target STREQUAL "map" AND source MATCHES "^corvane/core/PluginManager\\.")
+                continue()
+            endif()
+            if(NOT target IN_LIST allowed_${folder})
+                string(APPEND wrong "\n  ${source}: ${include}")
+            endif()
+        endforeach()
+    endforeach()
+endforeach()
+
+if(arrows EQUAL 0)
+    message(FATAL_ERROR "no include was read below ${SOURCE_DIR}")
+endif()
+if(wrong)
+    message(FATAL_ERROR "These includes run against the layers:${wrong}")
+endif()
+message(STATUS "${arrows} includes run with the layers")
