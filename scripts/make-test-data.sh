@@ -133,11 +133,12 @@ scene()
 {
     local type="$1" bands="$2" gain="$3" width="$4" height="$5" west="$6" north="$7" cell="$8"
     local transform="${9:-$west,$cell,0,$north,0,-$cell}"
-    local whole=(0 0 "$width" "$height") band sum=
+    local whole=(0 0 "$width" "$height") band sum="" sum_type
     if [[ -z "$colours" ]]; then
         prepare_imagery
     fi
     if [[ -n "$terrain" ]]; then
+        sum_type=$([[ "$type" == Byte ]] && echo Int16 || echo Float32)
         sum=' subClass="VRTDerivedRasterBand"' # refuses a single source
     fi
     {
@@ -153,9 +154,10 @@ scene()
             if [[ -z "$terrain" ]]; then
                 in_place "$colours" "$colours_per_degree" "$band" "$(calc "2 * $gain")" "$gain"
             else
+                # Summed in a signed type: 0.8 + 0.18 + 0.35 of a byte, less what flat ground gives. Black stays above 0.
                 echo '<PixelFunctionType>sum</PixelFunctionType>'
-                # 0.8 + 0.18 + 0.35 of a byte, less what flat ground gives: black stays above 0, white is 255.
-                in_place "$colours" "$colours_per_degree" "$band" "$(calc "-75 * $gain")" "$(calc "0.8 * $gain")"
+                echo "<SourceTransferType>$sum_type</SourceTransferType>"
+                in_place "$colours" "$colours_per_degree" "$band" "$(calc "-65 * $gain")" "$(calc "0.8 * $gain")"
                 in_place "$terrain" "$terrain_per_degree" 1 0 "$(calc "0.18 * $gain")"
                 scaled_source "$work/grain.vrt" 1 0 "$(calc "0.35 * $gain")" "${whole[@]}" "${whole[@]}"
             fi
@@ -251,7 +253,7 @@ make_rotated()
 # In metres of Europe's equal-area projection; the corners that the source does not reach have no data.
 warp_to_europe()
 {
-    gdalwarp -q -overwrite -t_srs EPSG:3035 -ts "$2" "$3" -te 1000000 500000 8000000 5750000 -r bilinear \
+    gdalwarp -q -overwrite -t_srs EPSG:3035 -ts "$2" "$3" -te 1600000 400000 7200000 4600000 -r bilinear \
         "${@:4}" "$work/scene.vrt" "$1"
 }
 
