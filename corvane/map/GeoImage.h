@@ -45,8 +45,8 @@ public:
     void copy(GeoImage* source, QColor* fill);
     /// Draws this image where the device rectangle (x, y, w, h) shows the world rectangle given.
     /// Resampling follows the painter's render hints.
-    void paint(QPainter& painter, int x, int y, int w, int h, double wtlx, double wtly,
-               double wbrx, double wbry);
+    void paint(QPainter& painter, int x, int y, int w, int h, double wtlx, double wtly, double wbrx,
+               double wbry);
     void setEnhancementParams(EnhancementParams& params);
     void updateEnhancementBuffer();
 

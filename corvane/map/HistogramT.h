@@ -1,5 +1,7 @@
 #pragma once
 
+#include <corvane/core/Export.h>
+
 #include <QString>
 
 #include <algorithm>
@@ -41,11 +43,11 @@ public:
     }
     virtual ~HistogramT() { delete[] counts; }
 
-    Count* counts = nullptr;          ///< one entry per bin; owned, from new[]
-    unsigned int numberOfBins = 0;    ///< length of counts
-    unsigned long long maximum = 0;   ///< largest value
-    unsigned long long minimum = 0;   ///< smallest value
-    unsigned long long peakCount = 0; ///< largest count
+    Count* counts = nullptr;           ///< one entry per bin; owned, from new[]
+    unsigned int numberOfBins = 0;     ///< length of counts
+    unsigned long long maximum = 0;    ///< largest value
+    unsigned long long minimum = 0;    ///< smallest value
+    unsigned long long peakCount = 0;  ///< largest count
     unsigned long long totalCount = 0; ///< pixels counted
     double mean = 0.0;
     double median = 0.0;
@@ -53,5 +55,9 @@ public:
     double mode = 0.0;
     QString bandName; ///< may be empty
 };
+
+// Made once, in the library: records outlive the plugin that filled them, so their destructor must
+// not be the plugin's.
+extern template class CORVANE_EXPORT HistogramT<unsigned long long>;
 
 } // namespace Corvane::Map

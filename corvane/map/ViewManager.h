@@ -58,9 +58,12 @@ public:
 private:
     double worldPerPixelX() const;
     double worldPerPixelY() const;
-    void roamBy(int dx, int dy);
-    void zoomBy(int dy);
-    bool zoomToBox();
+    void growHeight(double width, double deviceAspect);
+    void growWidth(double height, double deviceAspect);
+    bool pointerModeMovesTheView() const;
+    void roamBy(double dx, double dy);
+    void zoomBy(double dy);
+    void zoomToBox();
 
     IClient::PointerMode pointerMode = IClient::Roam;
     int deviceLeft = 0;

@@ -1,0 +1,7 @@
+#include <corvane/map/HistogramT.h>
+
+namespace Corvane::Map {
+
+template class HistogramT<unsigned long long>;
+
+} // namespace Corvane::Map
