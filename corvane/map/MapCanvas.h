@@ -39,13 +39,16 @@ public:
     /// The layer's index, -1 where no plugin serves the class.
     Q_INVOKABLE int addLayer(QString className, QString dataSource, QString description = QString(),
                              QString paramList = QString(), int index = -1);
-    /// Takes the layer over; index -1 puts it on top. Returns the layer's index.
+    /// Takes the layer over and puts it before index; -1, or an index outside the stack, puts it on
+    /// top. The layer's index, -1 for a null layer.
     Q_INVOKABLE int addLayer(Layer* layer, int index = -1);
     /// The deletes delete the layer at once; false where there was none.
     Q_INVOKABLE bool deleteLayerAt(int index);
     Q_INVOKABLE bool deleteLayer(QString& uid);
     Q_INVOKABLE bool deleteLayer(Layer* pLayer);
     Q_INVOKABLE bool deleteAllLayers();
+    /// A filled side list keeps its layers: one layer of the stack after the other goes instead,
+    /// that at the side list's last index, and false comes when there is none left.
     Q_INVOKABLE bool deleteAllOverlayLayers();
     Q_INVOKABLE bool deleteAllBackgroundLayers();
     /// to counts in the stack as it stands after the layer has been taken out.
@@ -93,8 +96,8 @@ public:
 
 private:
     bool isInStack(int index) const;
-    void deleteAt(int index);
-    void deleteSideList(QVector<Layer*>& side);
+    bool deleteBySideList(const QVector<Layer*>& side);
+    void drawLayerBoxes(GeoPainter& painter, double scale);
 
     QVector<Layer*> layers; // owned
     QVector<Layer*> overlayLayers;

@@ -6,6 +6,7 @@
 
 #include <QColor>
 #include <QMutex>
+#include <QPointer>
 #include <QPropertyAnimation>
 #include <QRectF>
 #include <QString>
@@ -14,6 +15,7 @@
 
 class QMenu;
 class QMetaProperty;
+class QPainter;
 class QPanGesture;
 class QPinchGesture;
 class QPointF;
@@ -33,8 +35,7 @@ class CORVANE_EXPORT MapView : public QWidget, public IClient, public IRendererC
 {
     Q_OBJECT
     Q_PROPERTY(bool ShowLayerSelection READ getShowLayerSelection WRITE setShowLayerSelection)
-    Q_PROPERTY(
-        bool HighQualityRendering READ getHighQualityRendering WRITE setHighQualityRendering)
+    Q_PROPERTY(bool HighQualityRendering READ getHighQualityRendering WRITE setHighQualityRendering)
     Q_PROPERTY(bool DrawCrosshair READ getDrawCrosshair WRITE setDrawCrosshair)
     Q_PROPERTY(QRectF Bounds READ getBounds WRITE setBounds)
 public:
@@ -96,7 +97,8 @@ public:
     Q_INVOKABLE double getRotation();
     Q_INVOKABLE QString getDescription();
     Q_INVOKABLE void setDescription(QString desc);
-    QVector<Layer*>& getLayers();
+    /// The stack itself.
+    Q_INVOKABLE QVector<Layer*>& getLayers();
 
     ViewManager* getViewManager();
     MapCanvas* getMapCanvas();
@@ -152,13 +154,29 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
+    /// Null until a derived class builds a menu; owned.
+    QMenu* contextMenu = nullptr;
+
 private:
+    /// Never called here: a derived class that wants a menu makes its own.
     virtual void buildContextMenu();
+    void readSettings();
+    void animateBounds(const QRectF& from, const QRectF& to);
+    QPointF worldPosition(int x, int y) const;
+    void chooseDrag(Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers);
+    void zoomByWheel(int x, int y, int delta);
+    void rollAsGesture(int x, int y, int delta);
+    QRectF targetOf(MapControl action) const;
+    void showLayerBounds(const QRectF& layerBounds);
+    void triggerMainWindowAction(const QString& actionName, QKeyEvent* event);
+    int showAddedLayer(int index);
+    void announceDeletionOf(const QVector<Layer*>& list);
+    void drawSelection(QPainter& painter);
+    void drawPointerAids(QPainter& painter);
     void panTriggered(QPanGesture* gesture);
     void pinchTriggered(QPinchGesture* gesture);
     void swipeTriggered(QSwipeGesture* gesture);
 
-    QMenu* contextMenu = nullptr; // owned
     ViewManager* viewManager = nullptr; // owned
     int pointerX = -1;
     int pointerY = -1;
@@ -171,7 +189,7 @@ private:
     double tly = 0.0;
     double brx = 0.0;
     double bry = 0.0;
-    Layer* selectedLayer = nullptr; // not owned
+    QPointer<Layer> selectedLayer; // not owned; null once the layer is gone
     bool showLayerSelection = false;
     bool highQualityRendering = false;
     bool drawCrosshair = false;

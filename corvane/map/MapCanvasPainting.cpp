@@ -1,0 +1,85 @@
+#include <corvane/map/MapCanvas.h>
+
+#include <corvane/map/GeoPainter.h>
+#include <corvane/map/Layer.h>
+
+#include <QPointF>
+#include <QRect>
+
+namespace Corvane::Map {
+
+namespace {
+
+/// The scale denominator of a world in metres on a device of 96 dots per inch is world units per
+/// pixel times dots per metre; 9600 / 2.54 are those.
+constexpr double dotsPerInchTimesCentimetresPerMetre = 9600.0;
+constexpr double centimetresPerInch = 2.54;
+constexpr double scaleRounding = 0.5;
+
+double scaleOf(const QRectF& world, const QRect& device)
+{
+    return (world.bottomRight().x() - world.topLeft().x()) * dotsPerInchTimesCentimetresPerMetre /
+               (device.width() * centimetresPerInch) +
+           scaleRounding;
+}
+
+void paintSideList(const QVector<Layer*>& side, GeoPainter& painter, QRectF* world, QRect* device)
+{
+    for (Layer* layer : side) {
+        if (layer && layer->isVisible() && layer->isValid()) {
+            layer->paint(painter, world, device);
+        }
+    }
+}
+
+/// Both limits are exclusive.
+bool isShownAtScale(Layer* layer, double scale)
+{
+    return layer && layer->isVisible() && layer->isValid() && layer->getMaxScale() > scale &&
+           scale > layer->getMinScale();
+}
+
+void drawBox(const QRectF& bounds, GeoPainter& painter)
+{
+    QPointF topLeft = bounds.topLeft();
+    QPointF bottomRight = bounds.bottomRight();
+    painter.drawWorldRect(topLeft, bottomRight);
+}
+
+} // namespace
+
+void MapCanvas::paint(GeoPainter& painter, QRectF* world, QRect* device)
+{
+    painter.save();
+    paintSideList(backgroundLayers, painter, world, device);
+
+    const double scale = scaleOf(*world, *device);
+    for (Layer* layer : qAsConst(layers)) {
+        if (isShownAtScale(layer, scale)) {
+            layer->paint(painter, world, device);
+        }
+    }
+    if (drawLayerBBox) {
+        drawLayerBoxes(painter, scale);
+    }
+    if (drawMapBBox) {
+        painter.setPen(mapBBoxColor);
+        drawBox(getMaxBounds(), painter);
+    }
+
+    paintSideList(overlayLayers, painter, world, device);
+    painter.restore();
+}
+
+// The brush stays as the layers left it, so a box may come out filled.
+void MapCanvas::drawLayerBoxes(GeoPainter& painter, double scale)
+{
+    for (Layer* layer : qAsConst(layers)) {
+        if (isShownAtScale(layer, scale)) {
+            painter.setPen(layerBBoxColor);
+            drawBox(layer->getBounds(), painter);
+        }
+    }
+}
+
+} // namespace Corvane::Map
