@@ -1,6 +1,7 @@
 #include <corvane/map/MapView.h>
 
 #include <corvane/core/Application.h>
+#include <corvane/map/Layer.h>
 #include <corvane/map/MapCanvas.h>
 #include <corvane/map/MapCursors_p.h>
 #include <corvane/map/MapView_p.h>

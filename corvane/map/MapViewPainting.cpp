@@ -1,5 +1,6 @@
 #include <corvane/map/MapView.h>
 
+#include <corvane/map/DeviceSpan_p.h>
 #include <corvane/map/GeoPainter.h>
 #include <corvane/map/Layer.h>
 #include <corvane/map/MapCanvas.h>
@@ -59,8 +60,7 @@ void MapView::drawSelection(QPainter& painter)
     const QColor colour(255, 0, 0, 255);
     painter.setPen(QPen(QBrush(colour), selectionFrameWidth));
     painter.setBrush(QBrush(colour, Qt::DiagCrossPattern));
-    // the corners may lie as far apart as ints can, so the sides are doubles
-    painter.drawRect(QRectF(x0, y0, double(x1) - x0, double(y1) - y0));
+    painter.drawRect(QRectF(x0, y0, deviceSpan(x0, x1), deviceSpan(y0, y1)));
 }
 
 void MapView::drawPointerAids(QPainter& painter)
