@@ -1,19 +1,24 @@
 #pragma once
 
-#include <corvane/core/Export.h>
-
 #include <QApplication>
 #include <QPointer>
 #include <QString>
 
 #include <memory>
 
+// Stands in the library, and knows nothing of it.
+#if defined(CORVANE_BUILD)
+#define QTSINGLEAPPLICATION_EXPORT Q_DECL_EXPORT
+#else
+#define QTSINGLEAPPLICATION_EXPORT Q_DECL_IMPORT
+#endif
+
 class InstancePeer;
 class QWidget;
 
 /// A QApplication that knows the other running instances of its program and user: the first one
 /// receives the messages of the later ones. GUI thread only.
-class CORVANE_EXPORT QtSingleApplication : public QApplication
+class QTSINGLEAPPLICATION_EXPORT QtSingleApplication : public QApplication
 {
     Q_OBJECT
 public:
