@@ -56,6 +56,10 @@ protected:
     unsigned int width;
     unsigned int height;
     RelaxedFlag cancelled;
+
+private:
+    void deliver(bool made);
+    void dropPixels();
 };
 
 } // namespace Map

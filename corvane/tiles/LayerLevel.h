@@ -54,6 +54,22 @@ public:
     void paint(GeoPainter& painter, QRectF* world, QRect* device);
 
 private:
+    /// Inclusive and clamped; empty where left is greater than right or top greater than bottom.
+    struct TileRange
+    {
+        unsigned int left;
+        unsigned int top;
+        unsigned int right;
+        unsigned int bottom;
+    };
+
+    TileRange getTileRange(double tlx, double tly, double brx, double bry);
+    GeoImage* findTile(const QString& key);
+    void viewTile(unsigned int tx, unsigned int ty);
+    void paintTile(GeoPainter& painter, unsigned int tx, unsigned int ty, const QRectF& world,
+                   const QRect& device);
+    void paintOutline(GeoPainter& painter, unsigned int tx, unsigned int ty);
+
     bool tileOutlines = false;
     TileHash<GeoImage> tiles; // owns the images
     unsigned char level;

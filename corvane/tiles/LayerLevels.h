@@ -44,6 +44,8 @@ public:
 
 private:
     int chooseLevel(int width, double tlx, double brx) const;
+    void appendLevel(ITiledLayer* layer);
+    void deleteLevels();
 
     unsigned int tileSize = 0;
     QRectF bounds;

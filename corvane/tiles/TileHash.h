@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 
+#include <condition_variable>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -15,7 +17,15 @@ template <typename T>
 class TileHash
 {
 public:
-    /// Inserts unless the key is there; whether it was inserted.
+    using Entry = std::pair<QString, T*>;
+
+    TileHash() = default;
+    TileHash(const TileHash&) = delete;
+    TileHash& operator=(const TileHash&) = delete;
+    /// Nobody uses the hash any more; sees what the last user did.
+    ~TileHash() { synchronize(); }
+
+    /// Inserts unless the key is there; whether it was inserted. The value may be null.
     bool insertIfAbsent(const QString& key, T* value)
     {
         const std::lock_guard<std::mutex> guard(mutex); // guards entries
@@ -26,6 +36,13 @@ public:
         return true;
     }
 
+    /// Whether the key is there, with whatever value.
+    bool contains(const QString& key) const
+    {
+        const std::lock_guard<std::mutex> guard(mutex); // guards entries
+        return entries.contains(key);
+    }
+
     /// The value, or null: a null entry cannot be told from a missing one.
     T* find(const QString& key) const
     {
@@ -33,15 +50,22 @@ public:
         return entries.value(key, nullptr);
     }
 
-    /// Removes the entry and hands out its value, null where there was none.
-    T* take(const QString& key)
+    /// Removes the entry if it holds this very value; whether it did. While takeEach is calling
+    /// for the value, waits for that call: afterwards nobody reaches the value from here.
+    bool remove(const QString& key, T* value)
     {
-        const std::lock_guard<std::mutex> guard(mutex); // guards entries
-        return entries.take(key);
+        std::unique_lock<std::mutex> guard(mutex); // guards entries and inCall
+        callEnded.wait(guard, [this, value] { return !inCall.contains(value); });
+        const auto entry = entries.find(key);
+        if (entry == entries.end() || entry.value() != value) {
+            return false;
+        }
+        entries.erase(entry);
+        return true;
     }
 
     /// Empties the hash and hands out what it held.
-    std::vector<std::pair<QString, T*>> takeAll()
+    std::vector<Entry> takeAll()
     {
         QHash<QString, T*> taken;
         {
@@ -51,8 +75,27 @@ public:
         return toVector(taken);
     }
 
+    /// Empties the hash and calls function for each value that it held, outside the mutex.
+    /// A value stays safe from remove until function has returned for it.
+    template <typename Function>
+    void takeEach(Function function)
+    {
+        QHash<QString, T*> taken;
+        {
+            const std::lock_guard<std::mutex> guard(mutex); // guards entries and inCall
+            taken.swap(entries);
+            for (T* const value : qAsConst(taken)) {
+                inCall.insert(value);
+            }
+        }
+        for (T* const value : qAsConst(taken)) {
+            function(value);
+            endCall(value);
+        }
+    }
+
     /// What the hash holds at this moment.
-    std::vector<std::pair<QString, T*>> snapshot() const
+    std::vector<Entry> snapshot() const
     {
         QHash<QString, T*> copied;
         {
@@ -62,6 +105,10 @@ public:
         return toVector(copied);
     }
 
+    /// Passes through the mutex: from here on this thread sees what the others wrote before
+    /// their operations on the hash so far.
+    void synchronize() const { const std::lock_guard<std::mutex> guard(mutex); }
+
     void reserve(int size)
     {
         const std::lock_guard<std::mutex> guard(mutex); // guards entries
@@ -69,9 +116,16 @@ public:
     }
 
 private:
-    static std::vector<std::pair<QString, T*>> toVector(const QHash<QString, T*>& hash)
+    void endCall(T* value)
     {
-        std::vector<std::pair<QString, T*>> result;
+        const std::lock_guard<std::mutex> guard(mutex); // guards inCall
+        inCall.remove(value);
+        callEnded.notify_all();
+    }
+
+    static std::vector<Entry> toVector(const QHash<QString, T*>& hash)
+    {
+        std::vector<Entry> result;
         result.reserve(static_cast<std::size_t>(hash.size()));
         for (auto entry = hash.begin(); entry != hash.end(); ++entry) {
             result.emplace_back(entry.key(), entry.value());
@@ -80,7 +134,9 @@ private:
     }
 
     mutable std::mutex mutex;
+    std::condition_variable callEnded;
     QHash<QString, T*> entries;
+    QSet<T*> inCall; // taken values that takeEach has yet to call for
 };
 
 } // namespace Corvane::Map

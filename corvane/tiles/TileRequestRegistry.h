@@ -20,21 +20,26 @@ public:
     static TileRequestRegistry& instance();
 
     /// Registers and starts the request, unless one of the same key is queued or running: then the
-    /// new one is neither started nor deleted.
+    /// new one is neither started nor deleted. Null is passed over.
     void queue(ITileRequest* request);
     /// Cancels every request and forgets it. A request stays alive until its cancel has returned.
     void cancelAll();
     /// The view's tile range, inclusive: nothing is cancelled by a move of the view.
     void cancelOutside(unsigned int level, unsigned int left, unsigned int top, unsigned int right,
                        unsigned int bottom);
-    /// The request with this key has ended.
+    /// The request has ended: its key goes, unless another request holds it by now. Waits while
+    /// cancelAll is calling the request.
     void remove(const QString& key, ITileRequest* request);
+    /// From here on this thread sees what the others wrote to a request before they queued it.
+    void synchronize() const;
 
 private:
     TileRequestRegistry();
     ~TileRequestRegistry();
     TileRequestRegistry(const TileRequestRegistry&) = delete;
     TileRequestRegistry& operator=(const TileRequestRegistry&) = delete;
+
+    static TileRequestRegistry theInstance;
 
     TileHash<ITileRequest> requests; // not owned
     QReadWriteLock lock;

@@ -1,0 +1,7 @@
+#include <corvane/tiles/TilesLog_p.h>
+
+namespace Corvane::Map {
+
+Q_LOGGING_CATEGORY(tilesLog, "corvane.tiles")
+
+} // namespace Corvane::Map
