@@ -1,0 +1,44 @@
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+
+/// Holds threads until it is opened, and tells how many have come. Any thread.
+class Gate
+{
+public:
+    /// Counts the caller in and returns once the gate is open.
+    void pass()
+    {
+        std::unique_lock<std::mutex> guard(mutex);
+        ++arrived;
+        changed.notify_all();
+        changed.wait(guard, [this] { return opened; });
+    }
+
+    void open()
+    {
+        const std::lock_guard<std::mutex> guard(mutex);
+        opened = true;
+        changed.notify_all();
+    }
+
+    /// Returns once so many have come, whether or not the gate is open.
+    void waitForArrivals(int count)
+    {
+        std::unique_lock<std::mutex> guard(mutex);
+        changed.wait(guard, [this, count] { return arrived >= count; });
+    }
+
+    int arrivals()
+    {
+        const std::lock_guard<std::mutex> guard(mutex);
+        return arrived;
+    }
+
+private:
+    std::mutex mutex; // guards the two below
+    std::condition_variable changed;
+    int arrived = 0;
+    bool opened = false;
+};
