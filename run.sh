@@ -35,7 +35,8 @@ for argument in "$@"; do
         --snapshot) windowless=yes value_follows=yes ;;
         --snapshot=* | --info) windowless=yes ;;
         --list-plugins | --help | --help-all | -h | --version | -v) windowless=yes text=yes ;;
-        --size | -platform | --platform | -style | --style | -stylesheet | -geometry | -display) value_follows=yes ;;
+        --size | --extent | --timeout) value_follows=yes ;;
+        -platform | --platform | -style | --style | -stylesheet | -geometry | -display) value_follows=yes ;;
         -*) ;;
         *) files=yes ;;
     esac

@@ -26,7 +26,7 @@ def describe_goal(goal, median, ratio):
     for key, bound in goal.items():
         value = ratio if key.endswith("_ratio") else median
         sign = "<=" if key.startswith("max") else ">="
-        texts.append(f"{'ratio ' if key.endswith('_ratio') else ''}{sign} {number(bound)}")
+        texts.append(f"{'ratio ' if key.endswith('_ratio') else ''}{sign} {bound:g}")
         held = value is not None and (value <= bound if sign == "<=" else value >= bound)
         met = met and held
     return ", ".join(texts), met

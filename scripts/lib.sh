@@ -34,16 +34,10 @@ configure()
     (cd "$root" && cmake --preset "$preset" "-DCORVANE_WERROR=${CORVANE_WERROR:-OFF}" "$@")
 }
 
-# build PRESET [TARGETS...]
+# build PRESET: says nothing but warnings and errors.
 build()
 {
-    local preset="$1"
-    shift
-    local arguments=(--build "$root/build/$preset" --parallel "$(nproc)")
-    if (($#)); then
-        arguments+=(--target "$@")
-    fi
-    cmake "${arguments[@]}"
+    cmake --build "$root/build/$1" --parallel "$(nproc)" -- --quiet
 }
 
 # run_tests PRESET [CTEST ARGUMENTS...]: ctest's own summary comes last, its exit code is ours.

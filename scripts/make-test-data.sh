@@ -6,7 +6,7 @@
 # Without an option: the set for measuring, which needs the package marble-data. Colours are NASA's Blue Marble and
 # terrain is the shaded SRTM elevation, once in its place and once as a fine grain, so that no block is flat.
 # --small: the same kinds, a few hundred pixels each and without the size in their names, from data/sample/world.tif.
-# --huge: on top of the set, a mosaic of 360000 x 300000 pixels (108 gigapixels), every pixel of it in a file.
+# --huge: on top of the set, one file of 360448 x 327680 pixels (118 gigapixels), which repeats a part of the large one.
 # FOLDER: by default corvane/test-data in the user's cache folder.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
@@ -133,12 +133,11 @@ scene()
 {
     local type="$1" bands="$2" gain="$3" width="$4" height="$5" west="$6" north="$7" cell="$8"
     local transform="${9:-$west,$cell,0,$north,0,-$cell}"
-    local whole=(0 0 "$width" "$height") band sum="" sum_type
+    local whole=(0 0 "$width" "$height") band sum=
     if [[ -z "$colours" ]]; then
         prepare_imagery
     fi
     if [[ -n "$terrain" ]]; then
-        sum_type=$([[ "$type" == Byte ]] && echo Int16 || echo Float32)
         sum=' subClass="VRTDerivedRasterBand"' # refuses a single source
     fi
     {
@@ -154,12 +153,12 @@ scene()
             if [[ -z "$terrain" ]]; then
                 in_place "$colours" "$colours_per_degree" "$band" "$(calc "2 * $gain")" "$gain"
             else
-                # Summed in a signed type: 0.8 + 0.18 + 0.35 of a byte, less what flat ground gives. Black stays above 0.
+                # What flat ground gives is taken off each part of the terrain, so that black stays dark; a part below
+                # 0 is cut off at 0.
                 echo '<PixelFunctionType>sum</PixelFunctionType>'
-                echo "<SourceTransferType>$sum_type</SourceTransferType>"
-                in_place "$colours" "$colours_per_degree" "$band" "$(calc "-65 * $gain")" "$(calc "0.8 * $gain")"
-                in_place "$terrain" "$terrain_per_degree" 1 0 "$(calc "0.18 * $gain")"
-                scaled_source "$work/grain.vrt" 1 0 "$(calc "0.35 * $gain")" "${whole[@]}" "${whole[@]}"
+                in_place "$colours" "$colours_per_degree" "$band" 0 "$(calc "0.75 * $gain")"
+                in_place "$terrain" "$terrain_per_degree" 1 "$(calc "-20 * $gain")" "$(calc "0.18 * $gain")"
+                scaled_source "$work/grain.vrt" 1 "$(calc "-40 * $gain")" "$(calc "0.35 * $gain")" "${whole[@]}" "${whole[@]}"
             fi
             echo '</VRTRasterBand>'
         done
@@ -298,25 +297,16 @@ make_gcp()
     overviews "$1" average
 }
 
-# A mosaic that repeats the large file 9 x 10 times. Its overviews are virtual: they read those of the large file.
+# One BigTIFF whose index points 11 x 20 times at the tiles of the large file's top left part. Its overviews are those of
+# that part as long as the part is whole tiles, then of the whole.
 make_huge()
 {
-    local large="$folder/rgb-40000x30000.tif" band row column
-    {
-        echo '<VRTDataset rasterXSize="360000" rasterYSize="300000"><SRS>EPSG:4326</SRS>'
-        echo '<GeoTransform>-120,0.0005,0,60,0,-0.0005</GeoTransform>'
-        for band in 1 2 3; do
-            echo "<VRTRasterBand dataType=\"Byte\" band=\"$band\" blockXSize=\"256\" blockYSize=\"256\">"
-            echo "<ColorInterp>$(cut -d ' ' -f $band <<<'Red Green Blue')</ColorInterp>"
-            for ((row = 0; row < 10; row++)); do
-                for ((column = 0; column < 9; column++)); do
-                    simple_source "$large" $band 0 0 40000 30000 $((column * 40000)) $((row * 30000)) 40000 30000
-                done
-            done
-            echo '</VRTRasterBand>'
-        done
-        echo '<OverviewList resampling="average">2 4 8 16 32 64 128 256 512 1024 2048</OverviewList></VRTDataset>'
-    } >"$1"
+    local large="$folder/rgb-40000x30000.tif" lower="$work/lower-levels.tif" top="$work/upper-levels.tif"
+    command -v python3 >/dev/null || fail "python3 not found"
+    "$root/scripts/repeat_tiff.py" "$large" 11 20 "$lower" # down to 5632 x 5120
+    gdal_translate -q -outsize 2816 2560 -r average "${tiled[@]}" "${jpeg[@]}" "$lower" "$top"
+    overviews "$top" average
+    "$root/scripts/repeat_tiff.py" "$large" 11 20 "$1" "$top"
 }
 
 # The large set's sizes shrink by this much for the small one: 40000 pixels by 50, all others by 10.
@@ -361,7 +351,7 @@ make_all()
     make float-4000x3000.tif make_float
     make gcp-4000x3000.tif make_gcp
     if [[ "$mode" == huge ]]; then
-        make huge-360000x300000.vrt make_huge
+        make huge-360448x327680.tif make_huge
     fi
 }
 
