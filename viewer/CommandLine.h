@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <chrono>
+
+namespace Corvane::Viewer {
+
+/// What the command line asks for.
+struct ViewerOptions
+{
+    enum Mode
+    {
+        ShowWindow,
+        Snapshot,
+        Info,
+        ListPlugins,
+        Version,
+        Help
+    };
+
+    Mode mode = ShowWindow;
+    QStringList files;
+    QString snapshotFile;
+    QSize size = {1280, 720};
+    bool hasExtent = false;
+    std::array<double, 4> extent = {}; ///< tlx, tly, brx, bry in map units
+    std::chrono::milliseconds timeout = std::chrono::seconds(60);
+    bool verbose = false;
+};
+
+/// The program's exit codes.
+enum ExitCode : int
+{
+    Done = 0,
+    WrongUsage = 1,
+    SourceFailed = 2,
+    NotComplete = 3
+};
+
+/// Reads the arguments of the program. Needs the application object for the help text only.
+class CommandLine
+{
+public:
+    /// The first argument is the program's name. False for wrong usage: getError says why.
+    bool parse(const QStringList& arguments);
+
+    const ViewerOptions& getOptions() const;
+    QString getError() const;
+    static QString getHelpText();
+
+private:
+    bool fail(const QString& reason);
+    bool readSize(const QString& text);
+    bool readExtent(const QString& text);
+    bool readTimeout(const QString& text);
+    bool readSnapshotFile(const QString& text);
+
+    ViewerOptions options;
+    QString error;
+};
+
+/// The picture formats that are written, by file name suffix, lower case.
+QStringList pictureSuffixes();
+/// Whether a picture can be written to a file of this name.
+bool hasPictureSuffix(const QString& fileName);
+
+} // namespace Corvane::Viewer

@@ -1,0 +1,77 @@
+#include <viewer/PictureSaver.h>
+
+#include <viewer/CommandLine.h>
+#include <viewer/Folders.h>
+#include <viewer/MapPicture.h>
+
+#include <corvane/core/Application.h>
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QImage>
+#include <QMessageBox>
+#include <QPointer>
+#include <QThreadPool>
+
+namespace Corvane::Viewer::PictureSaver {
+namespace {
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("PictureSaver", text);
+}
+
+void showFailure(const QString& fileName, const QString& reason, QWidget* parent)
+{
+    const auto box =
+        new QMessageBox(QMessageBox::Warning, tr("Save Picture"),
+                        tr("cannot write %1: %2").arg(fileName, reason), QMessageBox::Ok, parent);
+    box->setObjectName("saveFailure");
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+/// Encoding a large view takes longer than the window may stand still.
+void saveOnAnotherThread(const QImage& picture, const QString& fileName, QWidget* parent)
+{
+    const QPointer<QWidget> window(parent);
+    QThreadPool::globalInstance()->start([picture, fileName, window] {
+        QString error;
+        if (writePicture(picture, fileName, &error))
+            return;
+        QMetaObject::invokeMethod(
+            qApp, [fileName, error, window] { showFailure(fileName, error, window); },
+            Qt::QueuedConnection);
+    });
+}
+
+} // namespace
+
+void askAndSave(const QImage& picture, const QString& name, QWidget* parent)
+{
+    const auto dialog = new QFileDialog(parent, tr("Save Picture"), lastFolder());
+    dialog->setObjectName("pictureDialog");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setNameFilters({tr("PNG picture (*.png)"), tr("JPEG picture (*.jpg *.jpeg)")});
+    dialog->setDefaultSuffix("png");
+    dialog->selectFile(QFileInfo(name).completeBaseName() + ".png");
+    QObject::connect(dialog, &QFileDialog::filterSelected, dialog, [dialog](const QString& filter) {
+        dialog->setDefaultSuffix(filter.contains("*.jpg") ? "jpg" : "png");
+    });
+    QObject::connect(
+        dialog, &QFileDialog::fileSelected, parent, [picture, parent](const QString& fileName) {
+            keepFolderOf(fileName);
+            if (hasPictureSuffix(fileName))
+                saveOnAnotherThread(picture, fileName, parent);
+            else
+                showFailure(fileName,
+                            tr("the name must end in .%1").arg(pictureSuffixes().join(", .")),
+                            parent);
+        });
+    dialog->open();
+}
+
+} // namespace Corvane::Viewer::PictureSaver
