@@ -65,9 +65,10 @@ int BareReader::levelFor(double pixelsPerPixel) const
 {
     const int overviews = GDALGetOverviewCount(GDALGetRasterBand(handles.front(), 1));
     int level = 0;
-    while (level < overviews
-           && size().width() / static_cast<double>(levelSize(level + 1).width())
-                  <= pixelsPerPixel * 1.01) {
+    while (level < overviews &&
+           size().width() / static_cast<double>(levelSize(level + 1).width()) <=
+               pixelsPerPixel * 1.01)
+    {
         ++level;
     }
     return level;
@@ -84,9 +85,11 @@ std::vector<QRect> BareReader::tilesOf(int level, const QRectF& pixels) const
     };
     std::vector<QRect> tiles;
     for (int x = tileAt(pixels.left(), extent.width()); x <= tileAt(pixels.right(), extent.width());
-         ++x) {
+         ++x)
+    {
         for (int y = tileAt(pixels.top(), extent.height());
-             y <= tileAt(pixels.bottom(), extent.height()); ++y) {
+             y <= tileAt(pixels.bottom(), extent.height()); ++y)
+        {
             tiles.push_back(QRect(x * edge, y * edge, edge, edge) & QRect(QPoint(0, 0), extent));
         }
     }
@@ -102,10 +105,9 @@ QImage BareReader::readTile(GDALDatasetH handle, int level, const QRect& tile)
     QImage image(tile.size(), QImage::Format_RGB32);
     image.fill(Qt::white);
     int blueToRed[] = {3, 2, 1};
-    const CPLErr result
-        = GDALDatasetRasterIO(source, GF_Read, tile.x(), tile.y(), tile.width(), tile.height(),
-                              image.bits(), tile.width(), tile.height(), GDT_Byte, 3, blueToRed, 4,
-                              image.bytesPerLine(), 1);
+    const CPLErr result = GDALDatasetRasterIO(
+        source, GF_Read, tile.x(), tile.y(), tile.width(), tile.height(), image.bits(),
+        tile.width(), tile.height(), GDT_Byte, 3, blueToRed, 4, image.bytesPerLine(), 1);
     return result == CE_None ? image : QImage();
 }
 

@@ -37,8 +37,8 @@ public:
                             BenchStage::height * pixelsPerPixel);
         std::vector<QRect> missing;
         for (const QRect& tile : reader.tilesOf(level, pixels)) {
-            if (std::find(seen.begin(), seen.end(), std::make_pair(level, tile.topLeft()))
-                == seen.end()) {
+            if (std::find(seen.begin(), seen.end(), std::make_pair(level, tile.topLeft())) ==
+                seen.end()) {
                 missing.push_back(tile);
                 seen.emplace_back(level, tile.topLeft());
             }

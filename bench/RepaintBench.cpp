@@ -107,7 +107,8 @@ private:
         auto* image = new GeoImage(tileEdge, tileEdge, left, top, right, bottom,
                                    QImage::Format_RGB32, nullptr);
         static_cast<QImage&>(*image) = makeTile(tx, ty);
-        QString key = level->getTileKey(static_cast<unsigned int>(tx), static_cast<unsigned int>(ty));
+        QString key =
+            level->getTileKey(static_cast<unsigned int>(tx), static_cast<unsigned int>(ty));
         level->addTile(key, image);
     }
 };

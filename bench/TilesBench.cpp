@@ -101,8 +101,8 @@ int main(int argc, char** argv)
         if (i == 0) {
             continue;
         }
-        const double pixelBytes
-            = static_cast<double>(tiles) * bare.tileSize() * bare.tileSize() * 4.0;
+        const double pixelBytes =
+            static_cast<double>(tiles) * bare.tileSize() * bare.tileSize() * 4.0;
         rate.samples.push_back(filled);
         rate.limitSamples.push_back(read);
         bytes.samples.push_back(held / pixelBytes);

@@ -73,7 +73,8 @@ std::optional<std::vector<View>> readViews(const QString& path)
         }
         const std::optional<View> view = parseView(line);
         if (!view) {
-            std::fprintf(stderr, "%s:%d: expected name, group, left, top, source pixels per view pixel\n",
+            std::fprintf(stderr,
+                         "%s:%d: expected name, group, left, top, source pixels per view pixel\n",
                          qPrintable(path), number);
             return std::nullopt;
         }
@@ -108,8 +109,8 @@ void measureViews(BenchStage& stage, const QString& file, std::vector<View>& vie
         }
         Map::RasterLayer* layer = stage.stage(file);
         for (View& view : views) {
-            const QRectF window
-                = BenchStage::window(*layer, view.left, view.top, view.pixelsPerPixel);
+            const QRectF window =
+                BenchStage::window(*layer, view.left, view.top, view.pixelsPerPixel);
             view.session.push_back(stage.show(*layer, window));
             view.warm.push_back(stage.show(*layer, window));
         }
