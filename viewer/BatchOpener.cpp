@@ -27,8 +27,9 @@ BatchOpener::~BatchOpener() = default;
 
 bool BatchOpener::wait(const QDeadlineTimer& deadline)
 {
-    while (!isFinished() && !deadline.hasExpired())
+    while (!isFinished() && !deadline.hasExpired()) {
         runEventLoopBriefly();
+    }
     return isFinished();
 }
 

@@ -70,8 +70,9 @@ bool CommandLine::parse(const QStringList& arguments)
     const ViewerOptionSet set;
     QCommandLineParser parser;
     declare(parser, set);
-    if (!parser.parse(arguments))
+    if (!parser.parse(arguments)) {
         return fail(parser.errorText());
+    }
 
     options.files = parser.positionalArguments();
     options.verbose = parser.isSet(set.verbose);
@@ -84,21 +85,25 @@ bool CommandLine::parse(const QStringList& arguments)
         return true;
     }
 
-    if (parser.isSet(set.snapshot) + parser.isSet(set.info) + parser.isSet(set.listPlugins) > 1)
+    if (parser.isSet(set.snapshot) + parser.isSet(set.info) + parser.isSet(set.listPlugins) > 1) {
         return fail(QString("--snapshot, --info and --list-plugins exclude one another."));
-    if (parser.isSet(set.snapshot))
+    }
+    if (parser.isSet(set.snapshot)) {
         options.mode = ViewerOptions::Snapshot;
-    else if (parser.isSet(set.info))
+    } else if (parser.isSet(set.info)) {
         options.mode = ViewerOptions::Info;
-    else if (parser.isSet(set.listPlugins))
+    } else if (parser.isSet(set.listPlugins)) {
         options.mode = ViewerOptions::ListPlugins;
+    }
 
     const bool snapshot = options.mode == ViewerOptions::Snapshot;
-    if (!snapshot && (parser.isSet(set.size) || parser.isSet(set.extent)))
+    if (!snapshot && (parser.isSet(set.size) || parser.isSet(set.extent))) {
         return fail(QString("--size and --extent go with --snapshot."));
-    if ((snapshot || options.mode == ViewerOptions::Info) && options.files.isEmpty())
+    }
+    if ((snapshot || options.mode == ViewerOptions::Info) && options.files.isEmpty()) {
         return fail(snapshot ? QString("--snapshot needs a file to render.")
                              : QString("--info needs a file to tell of."));
+    }
 
     return (!snapshot || readSnapshotFile(parser.value(set.snapshot))) &&
            (!parser.isSet(set.size) || readSize(parser.value(set.size))) &&
@@ -131,10 +136,11 @@ bool CommandLine::fail(const QString& reason)
 
 bool CommandLine::readSnapshotFile(const QString& text)
 {
-    if (!hasPictureSuffix(text))
+    if (!hasPictureSuffix(text)) {
         return fail(
             QString("cannot write %1: the name must end in .%2.")
                 .arg(text.isEmpty() ? QString("\"\"") : text, pictureSuffixes().join(", .")));
+    }
     options.snapshotFile = text;
     return true;
 }
@@ -147,11 +153,12 @@ bool CommandLine::readSize(const QString& text)
     const int height = match.captured(2).toInt();
     const bool inRange = width >= smallestSide && width <= largestSide && height >= smallestSide &&
                          height <= largestSide;
-    if (!match.hasMatch() || !inRange)
+    if (!match.hasMatch() || !inRange) {
         return fail(QString("--size takes WIDTHxHEIGHT in pixels, from %1x%1 to %2x%2, not \"%3\".")
                         .arg(smallestSide)
                         .arg(largestSide)
                         .arg(text));
+    }
     options.size = QSize(width, height);
     return true;
 }
@@ -160,16 +167,19 @@ bool CommandLine::readExtent(const QString& text)
 {
     const QString wanted = QString("--extent takes tlx,tly,brx,bry, four numbers, not \"%1\".");
     const QStringList parts = text.split(',');
-    if (parts.size() != int(options.extent.size()))
+    if (parts.size() != int(options.extent.size())) {
         return fail(wanted.arg(text));
+    }
     for (int i = 0; i < parts.size(); ++i) {
         bool ok = false;
         options.extent[std::size_t(i)] = parts[i].trimmed().toDouble(&ok);
-        if (!ok || !std::isfinite(options.extent[std::size_t(i)]))
+        if (!ok || !std::isfinite(options.extent[std::size_t(i)])) {
             return fail(wanted.arg(text));
+        }
     }
-    if (options.extent[0] == options.extent[2] && options.extent[1] == options.extent[3])
+    if (options.extent[0] == options.extent[2] && options.extent[1] == options.extent[3]) {
         return fail(QString("--extent \"%1\" is a single point.").arg(text));
+    }
     options.hasExtent = true;
     return true;
 }
@@ -178,8 +188,9 @@ bool CommandLine::readTimeout(const QString& text)
 {
     bool ok = false;
     const double seconds = text.toDouble(&ok);
-    if (!ok || !(seconds > 0.0 && seconds <= longestTimeoutSeconds))
+    if (!ok || !(seconds > 0.0 && seconds <= longestTimeoutSeconds)) {
         return fail(QString("--timeout takes a number of seconds above 0, not \"%1\".").arg(text));
+    }
     options.timeout = std::chrono::milliseconds(std::llround(std::ceil(seconds * 1000.0)));
     return true;
 }

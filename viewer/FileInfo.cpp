@@ -16,7 +16,6 @@
 #include <QVector>
 
 #include <cmath>
-#include <limits>
 
 namespace Corvane::Viewer {
 namespace {
@@ -39,19 +38,28 @@ QJsonObject boundsToJson(const QRectF& bounds)
             {"bry", numberToJson(bounds.bottom())}};
 }
 
+/// Beyond these a JSON number is no longer exact in its readers, nor in Qt.
+constexpr qint64 largestExactInteger = qint64(1) << 53;
+
+QJsonValue integerToJson(qint64 number)
+{
+    const bool exact = number >= -largestExactInteger && number <= largestExactInteger;
+    return exact ? QJsonValue(number) : QJsonValue(QString::number(number));
+}
+
 QJsonValue unsignedToJson(quint64 number)
 {
-    if (number > quint64(std::numeric_limits<qint64>::max()))
-        return QString::number(number); // no JSON number holds it exactly
-    return qint64(number);
+    const bool exact = number <= quint64(largestExactInteger);
+    return exact ? QJsonValue(qint64(number)) : QJsonValue(QString::number(number));
 }
 
 QJsonArray listToJson(const QVariant& value)
 {
     QJsonArray array;
     const auto list = value.value<QSequentialIterable>();
-    for (const QVariant& entry : list)
+    for (const QVariant& entry : list) {
         array.append(toJson(entry));
+    }
     return array;
 }
 
@@ -77,7 +85,7 @@ QJsonValue toJson(const QVariant& value)
     case QMetaType::UInt:
     case QMetaType::Long:
     case QMetaType::LongLong:
-        return value.toLongLong();
+        return integerToJson(value.toLongLong());
     case QMetaType::QSize:
     case QMetaType::QSizeF:
         return sizeToJson(value.toSizeF());
@@ -91,8 +99,9 @@ QJsonValue toJson(const QVariant& value)
     default:
         break;
     }
-    if (value.canConvert<QVariantList>())
+    if (value.canConvert<QVariantList>()) {
         return listToJson(value);
+    }
     return value.canConvert<QString>() ? QJsonValue(value.toString()) : QJsonValue();
 }
 
@@ -133,13 +142,15 @@ QJsonObject FileInfo::describe(Map::Layer& layer)
     const QMetaObject* meta = layer.metaObject();
     for (int i = Map::Layer::staticMetaObject.propertyOffset(); i < meta->propertyCount(); ++i) {
         const QMetaProperty property = meta->property(i);
-        if (property.type() == QVariant::Icon || !property.isDesignable(&layer))
+        if (property.type() == QVariant::Icon || !property.isDesignable(&layer)) {
             continue;
+        }
         const QVariant value = property.read(&layer);
-        if (property.isEnumType())
+        if (property.isEnumType()) {
             properties[property.name()] = property.enumerator().valueToKey(value.toInt());
-        else
+        } else {
             properties[property.name()] = toJson(value);
+        }
     }
 
     QJsonObject object{
@@ -149,8 +160,9 @@ QJsonObject FileInfo::describe(Map::Layer& layer)
         {"bounds", boundsToJson(layer.getBounds())},
         {"properties", properties}};
     const QVariant size = layer.property("Size");
-    if (size.isValid())
+    if (size.isValid()) {
         object["size"] = sizeToJson(size.toSizeF());
+    }
     return object;
 }
 

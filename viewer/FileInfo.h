@@ -35,7 +35,8 @@ private:
     bool underWay = false;
 };
 
-/// The value as JSON; null for infinities, NaN and what has no text form.
+/// The value as JSON: exact numbers, as texts where JSON cannot hold them; null for infinities, NaN
+/// and what has no text form.
 QJsonValue toJson(const QVariant& value);
 
 } // namespace Corvane::Viewer

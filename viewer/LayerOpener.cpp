@@ -26,12 +26,14 @@ QStringList candidatesFor(const QString& source)
     QStringList names;
     const QString suffix = suffixOf(source);
     // every filter contains the empty suffix
-    if (!suffix.isEmpty())
+    if (!suffix.isEmpty()) {
         names << PluginManager::findLayerClassname(suffix);
+    }
     const auto plugins = PluginManager::getLayerPluginInfoList();
     for (ILayerPluginInfo* plugin : plugins) {
-        if (plugin->isEnabled())
+        if (plugin->isEnabled()) {
             names << plugin->getClassName();
+        }
     }
     names.removeAll(QString());
     names.removeDuplicates();
@@ -85,8 +87,9 @@ QString LayerOpener::nameOf(const QString& source)
 void LayerOpener::tryNext()
 {
     if (classNames.isEmpty()) {
-        if (reason.isEmpty())
+        if (reason.isEmpty()) {
             reason = tr("no plugin reads it");
+        }
         finish();
         return;
     }
@@ -104,27 +107,30 @@ void LayerOpener::tryNext()
         return;
     }
     const bool opensLater = accepted && layer->metaObject()->indexOfSignal(openedSignature) >= 0;
-    if (opensLater)
+    if (opensLater) {
         connect(layer.get(), SIGNAL(sourceOpened(bool)), this, SLOT(onSourceOpened(bool)));
-    else
+    } else {
         passOver();
+    }
 }
 
 void LayerOpener::onSourceOpened(bool ok)
 {
     disconnect(layer.get(), nullptr, this, nullptr);
-    if (ok && layer->isValid())
+    if (ok && layer->isValid()) {
         finish();
-    else
+    } else {
         passOver();
+    }
 }
 
 /// Keeps the first reason, which is that of the plugin that claims the suffix, and goes on.
 void LayerOpener::passOver()
 {
     if (layer) {
-        if (reason.isEmpty())
+        if (reason.isEmpty()) {
             reason = layer->getLastError();
+        }
         layer.release()->deleteLater(); // it may be the sender
     }
     QMetaObject::invokeMethod(this, &LayerOpener::tryNext, Qt::QueuedConnection);
@@ -136,8 +142,9 @@ void LayerOpener::finish()
     const bool ok = layer != nullptr;
     if (ok) {
         reason.clear();
-        if (layer->getDescription().isEmpty())
+        if (layer->getDescription().isEmpty()) {
             layer->setDescription(nameOf(source));
+        }
     }
     QMetaObject::invokeMethod(
         this, [this, ok] { emit finished(ok); }, Qt::QueuedConnection);

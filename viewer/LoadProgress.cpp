@@ -21,8 +21,9 @@ LoadProgress::LoadProgress(QObject* parent) : QObject(parent)
 
 void LoadProgress::setView(Map::MapView* newView)
 {
-    if (view == newView)
+    if (view == newView) {
         return;
+    }
     if (view) {
         view->removeEventFilter(this);
         disconnect(view, nullptr, this, nullptr);
@@ -40,8 +41,9 @@ int LoadProgress::percentOf(Map::MapView& view)
     int sum = 0;
     int count = 0;
     for (Map::Layer* layer : view.getLayers()) {
-        if (!layer->isVisible() || !layer->isValid())
+        if (!layer->isVisible() || !layer->isValid()) {
             continue;
+        }
         sum += layer->getPercentComplete();
         ++count;
     }
@@ -50,24 +52,27 @@ int LoadProgress::percentOf(Map::MapView& view)
 
 bool LoadProgress::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Paint)
+    if (event->type() == QEvent::Paint) {
         follow();
+    }
     return QObject::eventFilter(watched, event);
 }
 
 void LoadProgress::follow()
 {
-    if (!timer.isActive())
+    if (!timer.isActive()) {
         timer.start();
+    }
 }
 
 void LoadProgress::ask()
 {
     const int percent = view ? percentOf(*view) : 100;
-    if (percent >= 100)
+    if (percent >= 100) {
         timer.stop();
-    else
+    } else {
         follow();
+    }
     emit changed(percent);
 }
 

@@ -36,8 +36,9 @@ void MapCommands::addMode(Map::IClient::PointerMode mode, const QString& name, c
     action->setCheckable(true);
     action->setData(int(mode));
     connect(action, &QAction::triggered, this, [this, mode] {
-        if (Map::MapView* view = getView())
+        if (Map::MapView* view = getView()) {
             view->setPointerMode(mode);
+        }
     });
 }
 
@@ -55,8 +56,9 @@ void MapCommands::addZoom(Map::MapView::MapControl control, const QString& name,
     QAction* action = addAction(name, text, icon);
     zooms << action;
     connect(action, &QAction::triggered, this, [this, control] {
-        if (Map::MapView* view = getView())
+        if (Map::MapView* view = getView()) {
             view->onMapAction(control);
+        }
     });
 }
 
@@ -91,8 +93,9 @@ void MapCommands::setMapWindow(MapWindow* newWindow)
     window = newWindow;
     const bool enabled = getView() != nullptr;
     modes->setEnabled(enabled);
-    for (QAction* action : zooms + QList<QAction*>{fullScreen, snapshot})
+    for (QAction* action : zooms + QList<QAction*>{fullScreen, snapshot}) {
         action->setEnabled(enabled);
+    }
     showMode();
 }
 
@@ -126,8 +129,9 @@ void MapCommands::showMode()
 {
     Map::MapView* view = getView();
     const int mode = view ? view->getViewManager()->getPointerMode() : Map::IClient::Roam;
-    for (QAction* action : modes->actions())
+    for (QAction* action : modes->actions()) {
         action->setChecked(action->data().toInt() == mode);
+    }
     fullScreen->setChecked(window && window->isMapFullScreen());
 }
 
@@ -135,8 +139,9 @@ void MapCommands::showMode()
 void MapCommands::zoomOneToOne()
 {
     Map::MapView* view = getView();
-    if (!view)
+    if (!view) {
         return;
+    }
     for (int i = 0; i < view->getNumberOfLayers(); ++i) {
         if (qobject_cast<Map::RasterLayer*>(view->getLayerAt(i))) {
             view->zoomOneToOne(i);
@@ -147,16 +152,18 @@ void MapCommands::zoomOneToOne()
 
 void MapCommands::setFullScreen(bool full)
 {
-    if (window)
+    if (window) {
         window->setMapFullScreen(full);
+    }
 }
 
 /// The picture is that of the moment of the command, whatever moves while the dialog is open.
 void MapCommands::savePicture()
 {
     Map::MapView* view = getView();
-    if (!view)
+    if (!view) {
         return;
+    }
     PictureSaver::askAndSave(paintMapPicture(*view, view->devicePixelRatioF()),
                              window->windowTitle(), view->window());
 }

@@ -18,8 +18,9 @@ constexpr int jpegQuality = 92;
 QImage paintMapPicture(Map::MapView& view, qreal devicePixelRatio)
 {
     QImage picture(view.size() * devicePixelRatio, QImage::Format_RGB32);
-    if (picture.isNull())
+    if (picture.isNull()) {
         return picture;
+    }
     picture.setDevicePixelRatio(devicePixelRatio);
 
     QRectF world = view.getBounds();
@@ -39,8 +40,9 @@ bool writePicture(const QImage& picture, const QString& fileName, QString* error
         return false;
     }
     QImageWriter writer(&file, QFileInfo(fileName).suffix().toLower().toLatin1());
-    if (writer.format().startsWith("jp"))
+    if (writer.format().startsWith("jp")) {
         writer.setQuality(jpegQuality);
+    }
     if (!writer.write(picture)) {
         *error = writer.errorString();
         return false;
@@ -56,8 +58,9 @@ bool canWrite(const QString& fileName, QString* error)
 {
     QSaveFile file(fileName);
     const bool writable = file.open(QIODevice::WriteOnly);
-    if (!writable)
+    if (!writable) {
         *error = file.errorString();
+    }
     return writable;
 }
 

@@ -18,8 +18,9 @@ constexpr int mostDigits = 10;
 
 int digitsFor(double unitsPerPixel)
 {
-    if (!(std::isfinite(unitsPerPixel) && unitsPerPixel > 0.0))
+    if (!(std::isfinite(unitsPerPixel) && unitsPerPixel > 0.0)) {
         return 0;
+    }
     return std::clamp(int(std::ceil(-std::log10(unitsPerPixel))), 0, mostDigits);
 }
 
@@ -49,12 +50,14 @@ QString cellText(Map::Layer* layer, double unitsPerPixel)
 MapUnits MapUnits::ofLayer(Map::Layer& layer)
 {
     const QString wkt = layer.property("Wkt").toString();
-    if (!wkt.isEmpty())
+    if (!wkt.isEmpty()) {
         return ofWkt(wkt);
+    }
     // Without a text: the geographic references of the common datums lie in this range.
     const int epsg = layer.getSpatialRef().epsg;
-    if (epsg == 0)
+    if (epsg == 0) {
         return {};
+    }
     return {epsg >= 4001 && epsg <= 4398 ? Degrees : Length, 1.0};
 }
 
@@ -83,16 +86,19 @@ QString scaleText(Map::MapView& view)
 {
     Map::Layer* layer = firstValidLayer(view);
     const double unitsPerPixel = view.getBounds().width() / view.width();
-    if (!layer || !std::isfinite(unitsPerPixel) || unitsPerPixel <= 0.0)
+    if (!layer || !std::isfinite(unitsPerPixel) || unitsPerPixel <= 0.0) {
         return {};
+    }
 
     QStringList parts;
     const MapUnits units = MapUnits::ofLayer(*layer);
-    if (units.kind == MapUnits::Length)
+    if (units.kind == MapUnits::Length) {
         parts << "1 : " +
                      QLocale().toString(unitsPerPixel * units.metresPerUnit * dotsPerMetre, 'f', 0);
-    if (units.kind == MapUnits::Degrees)
+    }
+    if (units.kind == MapUnits::Degrees) {
         parts << QStringLiteral("1 px = %1°").arg(unitsPerPixel, 0, 'g', 3);
+    }
     parts << cellText(layer, unitsPerPixel);
     parts.removeAll(QString());
     return parts.join("   ");

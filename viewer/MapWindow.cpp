@@ -24,10 +24,12 @@ MapWindow::MapWindow(QWidget* parent)
 
 MapWindow::~MapWindow()
 {
-    if (view)
+    if (view) {
         disconnect(view, nullptr, this, nullptr);
-    if (mapFullScreen)
+    }
+    if (mapFullScreen) {
         delete view; // it has no parent there
+    }
 }
 
 Map::MapView* MapWindow::getView() const
@@ -42,8 +44,9 @@ PointerTracker* MapWindow::getTracker() const
 
 void MapWindow::open(const QString& source)
 {
-    if (name.isEmpty())
+    if (name.isEmpty()) {
         name = LayerOpener::nameOf(source);
+    }
     ++openCount;
     updateTitle();
     const auto opener = new LayerOpener(source, this);
@@ -68,8 +71,9 @@ void MapWindow::onOpened(LayerOpener* opener, bool ok)
         return;
     }
     emit openFailed(opener->getSource(), opener->getReason());
-    if (view && openCount == 0 && view->getNumberOfLayers() == 0)
+    if (view && openCount == 0 && view->getNumberOfLayers() == 0) {
         close();
+    }
 }
 
 void MapWindow::updateTitle()
@@ -79,8 +83,9 @@ void MapWindow::updateTitle()
 
 void MapWindow::setMapFullScreen(bool full)
 {
-    if (full == mapFullScreen || !view)
+    if (full == mapFullScreen || !view) {
         return;
+    }
     mapFullScreen = full;
     if (full) {
         setWidget(nullptr);

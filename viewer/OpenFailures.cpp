@@ -17,10 +17,11 @@ OpenFailures::OpenFailures(QWidget* parent) : QObject(parent), window(parent) {}
 void OpenFailures::add(const QString& source, const QString& reason)
 {
     lines << QString("%1: %2").arg(source, reason);
-    if (box)
+    if (box) {
         showBox();
-    else if (lines.size() == 1)
+    } else if (lines.size() == 1) {
         QTimer::singleShot(gatheringMilliseconds, this, &OpenFailures::showBox);
+    }
 }
 
 void OpenFailures::showBox()
@@ -36,8 +37,9 @@ void OpenFailures::showBox()
         });
     }
     QStringList shown = lines.mid(0, mostLines);
-    if (lines.size() > mostLines)
+    if (lines.size() > mostLines) {
         shown << tr("and %n more", nullptr, lines.size() - mostLines);
+    }
     box->setText(tr("This could not be opened:"));
     box->setInformativeText(shown.join('\n'));
     box->open();

@@ -39,8 +39,9 @@ void saveOnAnotherThread(const QImage& picture, const QString& fileName, QWidget
     const QPointer<QWidget> window(parent);
     QThreadPool::globalInstance()->start([picture, fileName, window] {
         QString error;
-        if (writePicture(picture, fileName, &error))
+        if (writePicture(picture, fileName, &error)) {
             return;
+        }
         QMetaObject::invokeMethod(
             qApp, [fileName, error, window] { showFailure(fileName, error, window); },
             Qt::QueuedConnection);
@@ -64,12 +65,13 @@ void askAndSave(const QImage& picture, const QString& name, QWidget* parent)
     QObject::connect(
         dialog, &QFileDialog::fileSelected, parent, [picture, parent](const QString& fileName) {
             keepFolderOf(fileName);
-            if (hasPictureSuffix(fileName))
+            if (hasPictureSuffix(fileName)) {
                 saveOnAnotherThread(picture, fileName, parent);
-            else
+            } else {
                 showFailure(fileName,
                             tr("the name must end in .%1").arg(pictureSuffixes().join(", .")),
                             parent);
+            }
         });
     dialog->open();
 }

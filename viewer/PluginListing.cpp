@@ -17,8 +17,9 @@ QString fileOf(const ILayerPluginInfo* plugin)
     const auto files = folder.entryInfoList(QDir::Files);
     for (const QFileInfo& file : files) {
         QPluginLoader loader(file.absoluteFilePath());
-        if (qobject_cast<ILayerPluginInfo*>(loader.instance()) == plugin)
+        if (qobject_cast<ILayerPluginInfo*>(loader.instance()) == plugin) {
             return file.absoluteFilePath();
+        }
     }
     return {};
 }
@@ -29,10 +30,11 @@ QStringList listPlugins()
 {
     QStringList lines;
     const auto plugins = PluginManager::getLayerPluginInfoList();
-    for (ILayerPluginInfo* plugin : plugins)
+    for (ILayerPluginInfo* plugin : plugins) {
         lines << QStringList{plugin->getClassName(), plugin->getVersion(), plugin->getReadFilter(),
                              fileOf(plugin)}
                      .join('\t');
+    }
     return lines;
 }
 

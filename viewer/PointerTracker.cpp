@@ -27,16 +27,18 @@ bool PointerTracker::eventFilter(QObject* watched, QEvent* event)
         announce();
         // The view draws its box on every move that it sees in this mode, also between two drags.
         const bool boxMode = view->getViewManager()->getPointerMode() == Map::IClient::ZoomBox;
-        if (boxMode && mouse->buttons() == Qt::NoButton)
+        if (boxMode && mouse->buttons() == Qt::NoButton) {
             return true;
+        }
     }
     return QObject::eventFilter(watched, event);
 }
 
 void PointerTracker::announce()
 {
-    if (!inside)
+    if (!inside) {
         return;
+    }
     double x = 0.0;
     double y = 0.0;
     view->getViewManager()->convertDeviceToWorld(position.x(), position.y(), &x, &y);

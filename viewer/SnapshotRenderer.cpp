@@ -30,8 +30,9 @@ ExitCode SnapshotRenderer::run()
     makeView();
     bool inTime = openFiles(deadline);
     const bool allOpened = reportUnopened();
-    if (inTime && view->getNumberOfLayers() == 0)
+    if (inTime && view->getNumberOfLayers() == 0) {
         return SourceFailed;
+    }
 
     showExtent();
     QImage picture;
@@ -47,8 +48,9 @@ ExitCode SnapshotRenderer::run()
         printError(QString("cannot write %1: %2").arg(options.snapshotFile, error));
         return WrongUsage;
     }
-    if (!allOpened)
+    if (!allOpened) {
         return SourceFailed;
+    }
     return inTime ? Done : NotComplete;
 }
 
@@ -74,8 +76,9 @@ bool SnapshotRenderer::openFiles(const QDeadlineTimer& deadline)
     const bool inTime = opener->wait(deadline);
     underWay = !inTime;
     for (const auto& source : opener->getOpeners()) {
-        if (auto layer = source->takeLayer())
+        if (auto layer = source->takeLayer()) {
             view->addLayer(layer.release());
+        }
     }
     return inTime;
 }
@@ -97,10 +100,11 @@ bool SnapshotRenderer::reportUnopened() const
 
 void SnapshotRenderer::showExtent()
 {
-    if (options.hasExtent)
+    if (options.hasExtent) {
         view->setBounds(options.extent[0], options.extent[1], options.extent[2], options.extent[3]);
-    else
+    } else {
         view->zoomToAllLayers(false);
+    }
 }
 
 bool SnapshotRenderer::isComplete() const
@@ -116,11 +120,13 @@ bool SnapshotRenderer::isComplete() const
 bool SnapshotRenderer::complete(const QDeadlineTimer& deadline, QImage* picture)
 {
     while (true) {
-        while (!isComplete() && !deadline.hasExpired())
+        while (!isComplete() && !deadline.hasExpired()) {
             runEventLoopBriefly();
+        }
         *picture = paintMapPicture(*view, 1.0);
-        if (isComplete())
+        if (isComplete()) {
             return true;
+        }
         if (deadline.hasExpired()) {
             printError("the map was not complete in time");
             return false;

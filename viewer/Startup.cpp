@@ -31,12 +31,15 @@ bool asksForNoWindow(int argc, const char* const* argv)
 {
     for (int i = 1; i < argc; ++i) {
         const std::string_view word = argv[i];
-        if (word == "--")
+        if (word == "--") {
             return false;
+        }
         if (isOneOf(word, {"--snapshot", "--info", "--list-plugins", "--version", "-v", "--help",
                            "-h"}) ||
             word.substr(0, 11) == "--snapshot=")
+        {
             return true;
+        }
     }
     return false;
 }
@@ -44,16 +47,19 @@ bool asksForNoWindow(int argc, const char* const* argv)
 bool hasDisplay(int argc, const char* const* argv)
 {
 #if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
-    if (isPlatformNamed(argc, argv))
+    if (isPlatformNamed(argc, argv)) {
         return true;
+    }
     // "xcb:option;wayland" names platforms in order of preference, with options
     const QByteArray platform = qgetenv("QT_QPA_PLATFORM").split(';').first().split(':').first();
     const bool x11 = !qEnvironmentVariableIsEmpty("DISPLAY");
     const bool wayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-    if (platform == "xcb")
+    if (platform == "xcb") {
         return x11;
-    if (platform.startsWith("wayland"))
+    }
+    if (platform.startsWith("wayland")) {
         return wayland;
+    }
     return !platform.isEmpty() || x11 || wayland;
 #else
     Q_UNUSED(argc)
@@ -64,8 +70,9 @@ bool hasDisplay(int argc, const char* const* argv)
 
 void setUpLogging(bool verbose)
 {
-    if (!verbose && !qEnvironmentVariableIsSet("QT_LOGGING_RULES"))
+    if (!verbose && !qEnvironmentVariableIsSet("QT_LOGGING_RULES")) {
         QLoggingCategory::setFilterRules("corvane.tiles.debug=false");
+    }
 }
 
 void endNow(int exitCode)

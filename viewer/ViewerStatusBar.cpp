@@ -82,8 +82,9 @@ void ViewerStatusBar::setMapWindow(MapWindow* newWindow)
 void ViewerStatusBar::showCoordinates(const QPointF& worldPoint)
 {
     Map::MapView* view = window ? window->getView() : nullptr;
-    if (!view)
+    if (!view) {
         return;
+    }
     const double unitsPerPixel = std::abs(view->getBounds().width()) / view->width();
     coordinates->setText(
         coordinateText(unitsOf(*view), worldPoint.x(), worldPoint.y(), unitsPerPixel));

@@ -41,8 +41,9 @@ QIcon icon(const QString& name)
 QStringList sourcesOf(const QMimeData* data)
 {
     QStringList sources;
-    for (const QUrl& url : data->urls())
+    for (const QUrl& url : data->urls()) {
         sources << (url.isLocalFile() ? url.toLocalFile() : url.toString());
+    }
     return sources;
 }
 
@@ -78,18 +79,22 @@ ViewerWindow::~ViewerWindow()
 
 void ViewerWindow::openFiles(const QStringList& sources)
 {
-    for (const QString& source : sources)
+    for (const QString& source : sources) {
         addMapWindow()->open(source);
+    }
 }
 
 void ViewerWindow::addFiles(const QStringList& sources, MapWindow* window)
 {
-    if (sources.isEmpty())
+    if (sources.isEmpty()) {
         return;
-    if (!window)
+    }
+    if (!window) {
         window = addMapWindow();
-    for (const QString& source : sources)
+    }
+    for (const QString& source : sources) {
         window->open(source);
+    }
 }
 
 QMdiArea* ViewerWindow::getMdiArea() const
@@ -109,10 +114,11 @@ MapWindow* ViewerWindow::addMapWindow()
     area->addSubWindow(window);
     commands->addTo(window->getView());
     connect(window, &MapWindow::openFailed, failures, &OpenFailures::add);
-    if (first)
+    if (first) {
         window->showMaximized();
-    else
+    } else {
         window->show();
+    }
     return window;
 }
 
@@ -193,8 +199,9 @@ void ViewerWindow::fillWindowMenu()
 {
     const auto separator = windowMenu->findChild<QAction*>("windowsFollow");
     const auto actions = windowMenu->actions();
-    for (QAction* action : actions.mid(actions.indexOf(separator) + 1))
+    for (QAction* action : actions.mid(actions.indexOf(separator) + 1)) {
         delete action;
+    }
     for (QMdiSubWindow* window : area->subWindowList()) {
         QAction* action = windowMenu->addAction(window->windowTitle());
         action->setCheckable(true);
@@ -243,8 +250,9 @@ void ViewerWindow::createToolBar()
 void ViewerWindow::restoreLayout()
 {
     const QSettings* settings = Application::instance()->getSettings();
-    if (!restoreGeometry(settings->value(geometryKey).toByteArray()))
+    if (!restoreGeometry(settings->value(geometryKey).toByteArray())) {
         resize(firstSize);
+    }
     restoreState(settings->value(stateKey).toByteArray());
 }
 
@@ -267,18 +275,20 @@ void ViewerWindow::chooseFiles(bool add)
     dialog->setOption(QFileDialog::HideNameFilterDetails); // the first filter names every pattern
     connect(dialog, &QFileDialog::filesSelected, this, [this, add](const QStringList& files) {
         keepFolderOf(files.first());
-        if (add)
+        if (add) {
             addFiles(files, getActiveMapWindow());
-        else
+        } else {
             openFiles(files);
+        }
     });
     dialog->open();
 }
 
 void ViewerWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (event->mimeData()->hasUrls())
+    if (event->mimeData()->hasUrls()) {
         event->acceptProposedAction();
+    }
 }
 
 void ViewerWindow::dropEvent(QDropEvent* event)
@@ -286,19 +296,22 @@ void ViewerWindow::dropEvent(QDropEvent* event)
     const QStringList sources = sourcesOf(event->mimeData());
     event->acceptProposedAction();
     MapWindow* window = mapWindowAt(event->pos());
-    if (!window && event->keyboardModifiers().testFlag(Qt::ShiftModifier))
+    if (!window && event->keyboardModifiers().testFlag(Qt::ShiftModifier)) {
         window = getActiveMapWindow();
-    if (window)
+    }
+    if (window) {
         addFiles(sources, window);
-    else
+    } else {
         openFiles(sources);
+    }
 }
 
 MapWindow* ViewerWindow::mapWindowAt(const QPoint& position) const
 {
     for (QWidget* widget = childAt(position); widget; widget = widget->parentWidget()) {
-        if (const auto window = qobject_cast<MapWindow*>(widget))
+        if (const auto window = qobject_cast<MapWindow*>(widget)) {
             return window;
+        }
     }
     return nullptr;
 }

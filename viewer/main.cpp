@@ -26,8 +26,9 @@ int renderSnapshot(const ViewerOptions& options)
 {
     SnapshotRenderer renderer(options);
     const ExitCode code = renderer.run();
-    if (renderer.isUnderWay())
+    if (renderer.isUnderWay()) {
         endNow(code);
+    }
     return code;
 }
 
@@ -37,8 +38,9 @@ int printInfo(const ViewerOptions& options)
     QByteArray json;
     const ExitCode code = info.run(&json);
     print(json);
-    if (info.isUnderWay())
+    if (info.isUnderWay()) {
         endNow(code);
+    }
     return code;
 }
 
@@ -60,8 +62,9 @@ int run(const ViewerOptions& options)
         print(QString("%1 %2\n").arg(programName, Application::applicationVersion()).toUtf8());
         return Done;
     case ViewerOptions::ListPlugins:
-        for (const QString& line : listPlugins())
+        for (const QString& line : listPlugins()) {
             print(line.toLocal8Bit() + '\n');
+        }
         return Done;
     case ViewerOptions::Info:
         return printInfo(options);
@@ -78,8 +81,9 @@ int run(const ViewerOptions& options)
 int main(int argc, char** argv)
 {
     const bool display = hasDisplay(argc, argv);
-    if (!display || asksForNoWindow(argc, argv))
+    if (!display || asksForNoWindow(argc, argv)) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     ConsoleLog log; // before the application object, whose end waits for threads that log
     Application application(argc, argv, programName);
