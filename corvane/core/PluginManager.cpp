@@ -172,7 +172,7 @@ Map::Layer* PluginManager::createLayer(QString classname, bool bUseGui)
     const QList<PluginRecord*>& plugins = loadedPlugins();
     QString wanted = classname.toLower();
     // The built-in name keeps its capitals and is compared with lower-cased ones, so these three
-    // words make no layer. PluginManagerFullTest::protocolWordsMakeNoLayer holds it.
+    // words make no layer. PluginManagerTest::protocolWordsMakeNoLayer holds it.
     if (wanted == QLatin1String("zwt") || wanted == QLatin1String("zwtp") ||
         wanted == QLatin1String("zwtps"))
     {
