@@ -132,7 +132,7 @@ public:
         : ITileRequest(source, tileKey, levelNumber, column, row,
                        static_cast<unsigned int>(source->tileSize),
                        static_cast<unsigned int>(source->tileSize), left, top, right, bottom),
-          plainLayer(plainLayer)
+          plainLayer(source)
     {
     }
     ~PlainTileRequest() override { ++plainLayer->requestsDeleted; }
