@@ -56,11 +56,12 @@ public:
     double brx = 0.0;
     double bry = 0.0;
 
+protected:
+    unsigned char* enhancementBuffer = nullptr; // owned, one byte
+    EnhancementParams enhancementParams;        // for layers that draw from a subclass
+
 private:
     void clearPixels();
-
-    unsigned char* enhancementBuffer = nullptr; // owned
-    EnhancementParams enhancementParams;
 };
 
 } // namespace Corvane
