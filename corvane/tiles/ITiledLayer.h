@@ -3,6 +3,8 @@
 #include <corvane/core/Export.h>
 #include <corvane/tiles/LayerLevels.h>
 
+#include <QtPlugin>
+
 class QRectF;
 class QString;
 
@@ -52,3 +54,5 @@ protected:
 };
 
 } // namespace Corvane::Map
+
+Q_DECLARE_INTERFACE(Corvane::Map::ITiledLayer, "com.corvane.viewer.ITiledLayer/1.0")
