@@ -1,0 +1,335 @@
+#include <plugins/common/TiledView.h>
+
+#include <plugins/common/TileExchange.h>
+#include <plugins/common/UnderlayPainter.h>
+
+#include <corvane/map/GeoImage.h>
+#include <corvane/map/GeoPainter.h>
+#include <corvane/tiles/ITiledLayer.h>
+#include <corvane/tiles/LayerLevel.h>
+#include <corvane/tiles/LayerLevels.h>
+
+#include <QElapsedTimer>
+#include <QRect>
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace Corvane::Map {
+
+namespace {
+
+constexpr int restMilliseconds = 100; // without a new view, after which the full level is fetched
+constexpr int waitSliceMilliseconds = 100;
+
+bool isIn(const TileRange& range, const TileId& tile)
+{
+    return !range.isEmpty() && range.contains(tile);
+}
+
+} // namespace
+
+TiledView::TiledView(ITiledLayer* tiledLayer, LayerLevels* pyramid)
+    : layer(tiledLayer),
+      levels(pyramid),
+      shelf(tiledLayer, pyramid)
+{
+    roamTimer.setSingleShot(true);
+    roamTimer.setInterval(restMilliseconds);
+    QObject::connect(&roamTimer, &QTimer::timeout, &roamTimer, [this] { request(false); });
+    TileBudget::instance().add(this);
+}
+
+TiledView::~TiledView()
+{
+    TileBudget::instance().remove(this);
+}
+
+void TiledView::start(std::shared_ptr<TileExchange> newExchange, unsigned int tileSize, bool cheap)
+{
+    stop();
+    exchange = std::move(newExchange);
+    coarsestIsCheap = cheap;
+    shelf.clear(tileSize);
+    levels->init(layer, tileSize, layer->getBounds(), layer->getWorldPerPixelX(),
+                 layer->getWorldPerPixelY());
+}
+
+void TiledView::stop()
+{
+    roamTimer.stop();
+    exchange.reset();
+    shelf.clear(0);
+    viewSet = false;
+    owesFullLevel = false;
+    chosen = TileRange();
+    coarser = TileRange();
+    underlay = TileRange();
+}
+
+void TiledView::setView(int newWidth, int newHeight, double newTlx, double newTly, double newBrx,
+                        double newBry)
+{
+    takeDelivered();
+    width = newWidth;
+    height = newHeight;
+    tlx = newTlx;
+    tly = newTly;
+    brx = newBrx;
+    bry = newBry;
+    viewSet = true;
+    TileBudget::instance().viewed(this);
+    request(updating && adaptiveRoam && progressive);
+}
+
+bool TiledView::showsView(int otherWidth, int otherHeight, const QRectF& world) const
+{
+    return viewSet && otherWidth == width && otherHeight == height && world == getWorld();
+}
+
+void TiledView::askAgain()
+{
+    if (viewSet) {
+        takeDelivered();
+        request(owesFullLevel && updating);
+    }
+}
+
+void TiledView::beginUpdate()
+{
+    updating = true;
+}
+
+void TiledView::endUpdate()
+{
+    updating = false;
+    if (owesFullLevel) {
+        takeDelivered();
+        request(false);
+    }
+}
+
+void TiledView::takeDelivered()
+{
+    if (!exchange) {
+        return;
+    }
+    std::vector<DeliveredTile> tiles = exchange->takeDelivered();
+    for (DeliveredTile& tile : tiles) {
+        shelf.add(tile.tile, std::move(tile.image));
+    }
+    if (!tiles.empty()) {
+        TileBudget::instance().enforce();
+    }
+}
+
+void TiledView::updateRanges()
+{
+    chosen = TileRange();
+    coarser = TileRange();
+    underlay = TileRange();
+    const int level = levelFor(width, getWorld());
+    if (level < 0) {
+        return;
+    }
+    const auto number = static_cast<unsigned int>(level);
+    const auto last = static_cast<unsigned int>(levels->size() - 1);
+    chosen = shelf.rangeOf(number, tlx, tly, brx, bry);
+    coarser = shelf.rangeOf(std::min(number + 1, last), tlx, tly, brx, bry);
+    underlay = shelf.rangeOf(last, tlx, tly, brx, bry);
+}
+
+// The wanted ranges are named before anything is asked for: a request that runs at once finds
+// itself wanted.
+void TiledView::request(bool roaming)
+{
+    roamTimer.stop();
+    owesFullLevel = false;
+    if (!exchange || !viewSet) {
+        return;
+    }
+    updateRanges();
+    if (chosen.isEmpty()) {
+        return;
+    }
+    const bool missing = shelf.countMissing(chosen) > 0;
+    const bool viaCoarser = roaming && missing && coarser.level != chosen.level;
+    std::vector<TileRange> wanted = {chosen};
+    if (coarsestIsCheap) {
+        wanted.push_back(underlay);
+    }
+    if (viaCoarser) {
+        wanted.push_back(coarser);
+    }
+    exchange->setWanted(std::move(wanted));
+
+    if (missing && progressive) {
+        requestUnderlay();
+    }
+    if (viaCoarser) {
+        owesFullLevel = true;
+        requestCoarser();
+        roamTimer.start();
+        return;
+    }
+    levels->setView(width, height, tlx, tly, brx, bry);
+    if (!progressive) {
+        waitForView();
+    }
+}
+
+// Only beneath what is missing of the level of the view.
+void TiledView::requestCoarser()
+{
+    const TileRange part = shelf.missingPart(chosen);
+    LayerLevel* const fine = levels->at(static_cast<int>(chosen.level));
+    const double halfX = fine->getWorldPerTileX() / 2;
+    const double halfY = fine->getWorldPerTileY() / 2;
+    const QPointF origin = layer->getBounds().topLeft();
+    const double left = origin.x() + part.left * 2 * halfX + halfX;
+    const double top = origin.y() + part.top * 2 * halfY + halfY;
+    const double right = origin.x() + part.right * 2 * halfX + halfX;
+    const double bottom = origin.y() + part.bottom * 2 * halfY + halfY;
+    const TileRange under = shelf.rangeOf(coarser.level, left, top, right, bottom);
+    if (shelf.countMissing(under) > 0) {
+        levels->at(static_cast<int>(coarser.level))->setView(left, top, right, bottom);
+    }
+}
+
+void TiledView::requestUnderlay()
+{
+    if (coarsestIsCheap && underlay.level != chosen.level && shelf.countMissing(underlay) > 0) {
+        levels->at(static_cast<int>(underlay.level))->setView(tlx, tly, brx, bry);
+    }
+}
+
+// Blocks the layer's thread, without an event loop: printing wants the whole view at once.
+void TiledView::waitForView()
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (shelf.countMissing(chosen) > 0) {
+        if (waitLimit > 0 && clock.elapsed() > waitLimit) {
+            return;
+        }
+        const bool askAgainNow = exchange->waitForNews(waitSliceMilliseconds);
+        takeDelivered();
+        if (askAgainNow) {
+            levels->setView(width, height, tlx, tly, brx, bry);
+        }
+    }
+}
+
+int TiledView::levelFor(int deviceWidth, const QRectF& world) const
+{
+    LayerLevel* const level =
+        levels->getLayerLevel(deviceWidth, 0, world.left(), world.top(),
+                              world.left() + world.width(), world.top() + world.height());
+    return level ? static_cast<int>(level->getLevel()) : -1;
+}
+
+void TiledView::setRenderHints(GeoPainter& painter, const QRectF& world, const QRect& device) const
+{
+    const double devicePerPixel = layer->getWorldPerPixelX() * device.width() / world.width();
+    const bool enlarged = devicePerPixel > 1.0;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth && !enlarged);
+}
+
+void TiledView::paint(GeoPainter& painter, QRectF* world, QRect* device)
+{
+    takeDelivered();
+    const int level = levelFor(device->width(), *world);
+    if (level < 0) {
+        return;
+    }
+    painter.save();
+    setRenderHints(painter, *world, *device);
+    const TileRange range = shelf.rangeOf(static_cast<unsigned int>(level), world->left(),
+                                          world->top(), world->right(), world->bottom());
+    if (shelf.countMissing(range) > 0) {
+        UnderlayPainter underlayPainter(shelf, *world, *device, layer->getBounds());
+        const auto tileBounds = [this](const TileId& tile) {
+            double left = 0.0;
+            double top = 0.0;
+            double right = 0.0;
+            double bottom = 0.0;
+            levels->at(static_cast<int>(tile.level))
+                ->getTileCoords(tile.x, tile.y, &left, &top, &right, &bottom);
+            return QRectF(left, top, right - left, bottom - top);
+        };
+        underlayPainter.paint(painter, range, static_cast<unsigned int>(levels->size()),
+                              tileBounds);
+    }
+    levels->paint(painter, world, device);
+    painter.restore();
+}
+
+int TiledView::percentComplete()
+{
+    takeDelivered();
+    const std::uint64_t all = chosen.count();
+    if (!viewSet || all == 0) {
+        return 100;
+    }
+    const auto missing = static_cast<std::uint64_t>(shelf.countMissing(chosen));
+    return static_cast<int>((all - missing) * 100 / all);
+}
+
+// Whole levels go, those farthest from the level in view first; what lies beneath the view stays.
+qint64 TiledView::giveBackOtherLevels(qint64 wanted)
+{
+    std::vector<unsigned int> others;
+    for (int i = 0; i < levels->size(); ++i) {
+        if (!viewSet || static_cast<unsigned int>(i) != chosen.level) {
+            others.push_back(static_cast<unsigned int>(i));
+        }
+    }
+    const auto distance = [this](unsigned int level) {
+        return level > chosen.level ? level - chosen.level : chosen.level - level;
+    };
+    std::sort(others.begin(), others.end(),
+              [&distance](unsigned int a, unsigned int b) { return distance(a) > distance(b); });
+    qint64 freed = 0;
+    for (const unsigned int level : others) {
+        if (freed >= wanted) {
+            break;
+        }
+        freed += shelf.giveBack(level, [this](const TileId& tile) {
+            return isIn(underlay, tile) || (owesFullLevel && isIn(coarser, tile));
+        });
+    }
+    return freed;
+}
+
+qint64 TiledView::giveBackOutOfView(qint64 wanted)
+{
+    const double middleX = (static_cast<double>(chosen.left) + chosen.right) / 2;
+    const double middleY = (static_cast<double>(chosen.top) + chosen.bottom) / 2;
+    const auto distance = [=](const TileId& tile) {
+        return std::hypot(tile.x - middleX, tile.y - middleY);
+    };
+    std::vector<TileId> candidates = shelf.tilesOf(chosen.level);
+    std::sort(candidates.begin(), candidates.end(),
+              [&distance](const TileId& a, const TileId& b) { return distance(a) > distance(b); });
+    std::unordered_set<TileId, TileIdHash> leaving;
+    qint64 freed = 0;
+    for (const TileId& tile : candidates) {
+        if (freed >= wanted) {
+            break;
+        }
+        if (!isIn(chosen, tile) && !isIn(underlay, tile)) {
+            freed += shelf.bytesOf(tile);
+            leaving.insert(tile);
+        }
+    }
+    if (leaving.empty()) {
+        return 0;
+    }
+    return shelf.giveBack(chosen.level,
+                          [&leaving](const TileId& tile) { return leaving.count(tile) == 0; });
+}
+
+} // namespace Corvane::Map

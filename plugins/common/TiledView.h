@@ -1,0 +1,103 @@
+#pragma once
+
+#include <plugins/common/TileBudget.h>
+#include <plugins/common/TileId.h>
+#include <plugins/common/TileShelf.h>
+
+#include <QRectF>
+#include <QTimer>
+
+#include <memory>
+
+class QRect;
+
+namespace Corvane {
+
+class GeoPainter;
+
+namespace Map {
+
+class ITiledLayer;
+class LayerLevels;
+class TileExchange;
+
+/// How a tiled layer looks at its pyramid: asks for the tiles of a view, keeps those that come,
+/// paints them with something beneath where one is missing, and gives back what is out of view
+/// when memory runs short. A member of the layer, on the layer's thread.
+class TiledView final : private ITileHolder
+{
+public:
+    /// Both must outlive the view.
+    TiledView(ITiledLayer* layer, LayerLevels* levels);
+    ~TiledView();
+    TiledView(const TiledView&) = delete;
+    TiledView& operator=(const TiledView&) = delete;
+
+    /// Begins anew with an empty pyramid over the layer's present bounds and cell sizes. With
+    /// coarsestIsCheap its last level is fetched beneath every view.
+    void start(std::shared_ptr<TileExchange> exchange, unsigned int tileSize, bool coarsestIsCheap);
+    /// Drops all tiles and the pyramid.
+    void stop();
+
+    /// false: setView returns with every tile of the view in memory, or after the limit below.
+    bool progressive = true;
+    /// Between begin and end of an interactive change missing tiles come one level coarser.
+    bool adaptiveRoam = true;
+    /// Smooth when pixels are made smaller; enlarged pixels always stay crisp.
+    bool smooth = true;
+    /// How long a view that is not progressive may wait, in milliseconds; 0 for as long as it takes.
+    int waitLimit = 0;
+
+    void setView(int width, int height, double tlx, double tly, double brx, double bry);
+    /// Whether a view was set since start.
+    bool hasView() const { return viewSet; }
+    bool showsView(int width, int height, const QRectF& world) const;
+    QRectF getWorld() const { return QRectF(tlx, tly, brx - tlx, bry - tly); }
+    /// Asks once more for what is missing of the view.
+    void askAgain();
+    void beginUpdate();
+    void endUpdate();
+    void paint(GeoPainter& painter, QRectF* world, QRect* device);
+    /// 0 to 100; of the level that the view asks for.
+    int percentComplete();
+
+    const TileShelf& tiles() const { return shelf; }
+
+private:
+    qint64 heldBytes() const override { return shelf.bytes(); }
+    qint64 giveBackOtherLevels(qint64 wanted) override;
+    qint64 giveBackOutOfView(qint64 wanted) override;
+
+    void takeDelivered();
+    void updateRanges();
+    void request(bool roaming);
+    void requestCoarser();
+    void requestUnderlay();
+    void waitForView();
+    int levelFor(int deviceWidth, const QRectF& world) const;
+    void setRenderHints(GeoPainter& painter, const QRectF& world, const QRect& device) const;
+
+    ITiledLayer* layer;  // not owned
+    LayerLevels* levels; // not owned
+    TileShelf shelf;
+    std::shared_ptr<TileExchange> exchange;
+    bool coarsestIsCheap = false;
+
+    bool viewSet = false;
+    int width = 0;
+    int height = 0;
+    double tlx = 0.0;
+    double tly = 0.0;
+    double brx = 0.0;
+    double bry = 0.0;
+    TileRange chosen;   // the view in its own level
+    TileRange coarser;  // what is asked for while the view moves
+    TileRange underlay; // the view in the coarsest level
+
+    bool updating = false; // a bracket was opened; brackets need not be balanced
+    bool owesFullLevel = false;
+    QTimer roamTimer; // asks for the full level when the view rests inside an open bracket
+};
+
+} // namespace Map
+} // namespace Corvane

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <plugins/raster/GdalSupport.h>
+
+#include <QString>
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace Corvane::Map {
+
+/// One way into a source: the dataset and, where it does not lie north-up, the warped view of it.
+/// Used by one thread at a time.
+struct RasterHandle
+{
+    DatasetPointer original;
+    DatasetPointer warped; ///< closed before the original, which it reads
+
+    GDALDatasetH shown() const { return warped ? warped.get() : original.get(); }
+};
+
+/// Opens name for reading; null with the reason in error. Any thread; may take long.
+std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QString* error);
+
+/// The open handles of one source that nobody uses at the moment. Any thread.
+class GdalHandlePool
+{
+public:
+    GdalHandlePool(QString name, bool remote, std::unique_ptr<RasterHandle> first);
+    ~GdalHandlePool();
+    GdalHandlePool(const GdalHandlePool&) = delete;
+    GdalHandlePool& operator=(const GdalHandlePool&) = delete;
+
+    /// A handle while it lives; gives it back to the pool. The pool must outlive it.
+    class Lease
+    {
+    public:
+        Lease(GdalHandlePool* pool, std::unique_ptr<RasterHandle> handle);
+        ~Lease();
+        Lease(Lease&& other) = default;
+        Lease& operator=(Lease&& other) = delete;
+
+        explicit operator bool() const { return handle != nullptr; }
+        RasterHandle* operator->() const { return handle.get(); }
+
+    private:
+        GdalHandlePool* pool; // not owned
+        std::unique_ptr<RasterHandle> handle;
+    };
+
+    /// A free handle, or a new one; empty with the reason in error where none can be opened.
+    Lease acquire(QString* error);
+
+private:
+    void release(std::unique_ptr<RasterHandle> handle);
+
+    QString name;
+    bool remote;
+    std::mutex mutex;                                // guards idle
+    std::vector<std::unique_ptr<RasterHandle>> idle; // used last at the end: its caches are warm
+};
+
+} // namespace Corvane::Map

@@ -1,0 +1,157 @@
+#pragma once
+
+#include <plugins/common/TiledView.h>
+
+#include <corvane/map/IRasterLayerHistogram.h>
+#include <corvane/map/RasterLayer.h>
+#include <corvane/tiles/ITiledLayer.h>
+
+#include <QVector>
+
+#include <memory>
+
+namespace Corvane::Map {
+
+class RasterOpening;
+class RasterSource;
+class RasterTileLoader;
+struct RasterFacts;
+
+/// A raster of whatever kind GDAL opens, of whatever size: reads it in tiles on the pool and shows
+/// it north-up. A source that does not open at once is opened behind the scenes; the layer is then
+/// not valid until sourceOpened tells how it ended. May be deleted at any time.
+class GdalRasterLayer final : public RasterLayer, public ITiledLayer, public IRasterLayerHistogram
+{
+    Q_OBJECT
+    Q_INTERFACES(Corvane::Map::ITiledLayer Corvane::Map::IRasterLayerHistogram)
+    Q_PROPERTY(QString Bands READ getBandsText WRITE setBandsText)
+    Q_PROPERTY(bool Progressive READ isProgressive WRITE setProgressive)
+    Q_PROPERTY(bool AdaptiveRoam READ isAdaptiveRoam WRITE setAdaptiveRoam)
+    Q_PROPERTY(bool PixmapSmoothing READ isPixmapSmoothing WRITE setPixmapSmoothing)
+    Q_PROPERTY(QString Driver READ getDriver STORED false)
+    Q_PROPERTY(int Epsg READ getEpsg STORED false)
+    Q_PROPERTY(QString Wkt READ getWkt STORED false)
+    Q_PROPERTY(QString Overviews READ getOverviews STORED false)
+    Q_PROPERTY(QSize BlockSize READ getBlockSize STORED false)
+    Q_PROPERTY(QString NoData READ getNoData STORED false)
+    Q_PROPERTY(QString Compression READ getCompression STORED false)
+    Q_PROPERTY(QString LayoutKind READ getLayoutKind STORED false)
+public:
+    explicit GdalRasterLayer(IRendererClient* client = nullptr);
+    /// Waits for nothing but calls into this object; reads under way end by themselves.
+    ~GdalRasterLayer() override;
+
+    QString getDataSource() override;
+    /// A path, an http, https or s3 URL, or any name that GDAL understands. False where it failed;
+    /// true while it is still opening, see isValid. The source that was open before is dropped.
+    bool setDataSource(QString dataSource) override;
+    QIcon getIcon() override;
+    bool isVisible() override;
+    void setVisible(bool v) override;
+    QString getFormat() override;
+    QString getCoordSysName() override;
+    void setView(int width, int height, double tlx, double tly, double brx, double bry) override;
+    void beginUpdate(bool zoom) override;
+    void endUpdate() override;
+    QRectF getBounds() override;
+    bool isValid() override;
+    /// Why the source did not open, or why a tile could not be read; empty without a failure.
+    QString getLastError() override;
+    /// "file", "http" or "s3".
+    QString getProtocol() override;
+    qint8 getPercentComplete() override;
+    bool readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMessage) override;
+    void paint(GeoPainter& painter, QRectF* world, QRect* device) override;
+
+    double getCellSizeX() override;
+    double getCellSizeY() override;
+    double getTransparency() override;
+    /// Brought into the range 0 to 1.
+    void setTransparency(double transparency) override;
+    int getNumberOfBands() override;
+    QVector<qint32> getBandList() override;
+    /// One band in grey or three as red, green, blue; bands that the source lacks are left out.
+    void setBandList(QVector<qint32> bands) override;
+    QSize getSize() override;
+    QString getCellType() override;
+    bool getOpacity() override;
+    double getNoDataValue() override;
+    double getRotation() override;
+    ColorSpace getColorSpace() override;
+
+    QString getTileUrl(unsigned int level, unsigned int tx, unsigned int ty, unsigned int width,
+                       unsigned int height, double tlx, double tly, double brx,
+                       double bry) override;
+    int getWidth() override;
+    int getHeight() override;
+    double getWorldPerPixelX() override;
+    double getWorldPerPixelY() override;
+    void tileReady(ITileRequest* request) override;
+    void tileFailed(ITileRequest* request) override;
+    ITileRequest* createTileRequest(const QString& key, const QString& url, unsigned int level,
+                                    unsigned int tx, unsigned int ty, double tlx, double tly,
+                                    double brx, double bry) override;
+    QString getTileLayerId() override;
+
+    QVector<HistogramT<unsigned long long>> getHistograms(bool viewport, bool approximate,
+                                                          QSize sampleSize, double tlx, double tly,
+                                                          double brx, double bry) override;
+
+    /// The band list as text, "1,2,3": documents carry it in this form.
+    QString getBandsText();
+    void setBandsText(const QString& text);
+    bool isProgressive() const;
+    /// false: setView, and setDataSource, return only when everything has come.
+    void setProgressive(bool progressive);
+    bool isAdaptiveRoam() const;
+    /// true: while the view moves, what is missing comes one level coarser.
+    void setAdaptiveRoam(bool adaptive);
+    bool isPixmapSmoothing() const;
+    void setPixmapSmoothing(bool smoothing);
+    QString getDriver();
+    int getEpsg();
+    QString getWkt();
+    /// "2048 x 1024, 1024 x 512"
+    QString getOverviews();
+    QSize getBlockSize();
+    QString getNoData();
+    QString getCompression();
+    /// "tiles" or "strips".
+    QString getLayoutKind();
+
+    /// What is known of the open source, null without one.
+    const RasterFacts* facts() const;
+
+signals:
+    /// A source that was opening in the background is open, or has failed.
+    void sourceOpened(bool ok);
+
+public slots:
+    /// Asks once more for the tiles that the view lacks.
+    void setViewAgain();
+
+private:
+    friend class RasterOpening;
+
+    void closeSource();
+    bool takeOpened();
+    void adopt(std::shared_ptr<RasterSource> opened);
+    bool fail(const QString& reason);
+    void restartTiles();
+    void refreshAll();
+    QRectF areaToCount(bool viewport, double tlx, double tly, double brx, double bry);
+
+    QString dataSource;
+    QString lastError;
+    QVector<qint32> bandList; // as chosen; empty for the source's own
+    double transparency = 0.0;
+    bool visible = true;
+    bool viewMayBeStale = false; // it was hidden, and is told nothing of the views meanwhile
+    std::shared_ptr<RasterOpening> opening; // while a source is opening
+    std::shared_ptr<RasterSource> source;   // null while there is none
+    std::shared_ptr<RasterTileLoader> loader;
+    QString tileLayerId;
+    TiledView view;
+};
+
+} // namespace Corvane::Map

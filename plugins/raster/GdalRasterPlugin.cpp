@@ -1,0 +1,155 @@
+#include <plugins/raster/GdalRasterPlugin.h>
+
+#include <plugins/raster/GdalRasterLayer.h>
+#include <plugins/raster/RasterPropertiesPage.h>
+#include <plugins/raster/ReadFilter.h>
+
+#include <corvane/core/Application.h>
+#include <corvane/map/MapView.h>
+
+#include <gdal.h>
+
+#include <QAction>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMessageBox>
+#include <QToolBar>
+
+#include <memory>
+
+namespace Corvane::Map {
+
+GdalRasterPlugin::GdalRasterPlugin(QObject* parent) : QObject(parent) {}
+
+QString GdalRasterPlugin::getVersion()
+{
+    return QStringLiteral("1.0 (GDAL %1)").arg(QString::fromUtf8(GDALVersionInfo("RELEASE_NAME")));
+}
+
+QString GdalRasterPlugin::getDisplayName()
+{
+    return tr("Raster images");
+}
+
+QString GdalRasterPlugin::getDescription()
+{
+    return tr("Shows georeferenced images of any size, from files and from web servers.");
+}
+
+QString GdalRasterPlugin::getClassName()
+{
+    return QString::fromLatin1(GdalRasterLayer::staticMetaObject.className());
+}
+
+QString GdalRasterPlugin::getVendor()
+{
+    return QStringLiteral("Corvane");
+}
+
+QString GdalRasterPlugin::getHelpUrl()
+{
+    return QString();
+}
+
+QString GdalRasterPlugin::getReadFilter()
+{
+    if (readFilter.isEmpty()) {
+        readFilter = rasterReadFilter();
+    }
+    return readFilter;
+}
+
+void GdalRasterPlugin::setEnabled(bool newEnabled)
+{
+    enabled = newEnabled;
+}
+
+bool GdalRasterPlugin::isEnabled()
+{
+    return enabled;
+}
+
+Map::Layer* GdalRasterPlugin::createLayer(bool)
+{
+    return new GdalRasterLayer();
+}
+
+QList<QDockWidget*> GdalRasterPlugin::getDockWidgets()
+{
+    return {};
+}
+
+QList<QWidget*> GdalRasterPlugin::getLayerPropertyWidgets()
+{
+    return {new RasterPropertiesPage()};
+}
+
+QList<QToolBar*> GdalRasterPlugin::getToolBars()
+{
+    return {};
+}
+
+QList<QAction*> GdalRasterPlugin::getAddLayerActions()
+{
+    if (!addAction) {
+        addAction =
+            new QAction(QIcon(QStringLiteral(":/resources/image.png")), tr("Add raster..."), this);
+        addAction->setObjectName(QStringLiteral("actionAddRaster"));
+        connect(addAction, &QAction::triggered, this, &GdalRasterPlugin::chooseFiles);
+    }
+    return {addAction};
+}
+
+QList<QWidget*> GdalRasterPlugin::getPrefsPages()
+{
+    return {};
+}
+
+void GdalRasterPlugin::addFiles(const QStringList& files, MapView* view)
+{
+    for (const QString& file : files) {
+        auto layer = std::make_unique<GdalRasterLayer>();
+        if (!layer->setDataSource(file)) {
+            QMessageBox::warning(view, tr("Add raster"),
+                                 tr("Cannot open %1.\n%2").arg(file, layer->getLastError()));
+            continue;
+        }
+        GdalRasterLayer* const added = layer.release();
+        const bool isFirst = view->getNumberOfLayers() == 0;
+        view->addLayer(added, -1);
+        if (isFirst && !added->isValid()) { // it has no extent yet that could be shown whole
+            connect(added, &GdalRasterLayer::sourceOpened, view, [view, added](bool ok) {
+                if (ok) {
+                    view->zoomToLayer(added);
+                }
+            });
+        }
+    }
+}
+
+void GdalRasterPlugin::chooseFiles()
+{
+    MapView* const view = activeView();
+    if (!view) {
+        return;
+    }
+    const QString filter = tr("All files (*)") + QStringLiteral(";;") + getReadFilter();
+    addFiles(QFileDialog::getOpenFileNames(view, tr("Add raster"), QString(), filter), view);
+}
+
+MapView* GdalRasterPlugin::activeView()
+{
+    QMainWindow* const window =
+        Application::instance() ? Application::instance()->getMainWindow() : nullptr;
+    if (!window) {
+        return nullptr;
+    }
+    const auto* const area = window->findChild<QMdiArea*>();
+    QMdiSubWindow* const active = area ? area->activeSubWindow() : nullptr;
+    return active ? active->findChild<MapView*>() : window->findChild<MapView*>();
+}
+
+} // namespace Corvane::Map

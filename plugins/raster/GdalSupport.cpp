@@ -1,0 +1,219 @@
+#include <plugins/raster/GdalSupport.h>
+
+#include <cpl_conv.h>
+#include <cpl_error.h>
+
+#include <QRegularExpression>
+#include <QUrl>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <set>
+
+namespace Corvane::Map {
+
+namespace {
+
+constexpr GIntBig mebibyte = 1 << 20;
+// Small blocks are decoded once, so a larger cache only costs: 8 threads decode about a third more
+// JPEG tiles a second with it than with GDAL's own default of a twentieth of the memory.
+constexpr GIntBig blockCacheBytes = 16 * mebibyte;
+// A run of tiles over strips reads whole rows: what does not stay is inflated again.
+constexpr int cachedStripRows = 4;
+constexpr GIntBig leastStripCacheBytes = 64 * mebibyte;
+constexpr GIntBig mostStripCacheBytes = 512 * mebibyte;
+
+constexpr std::chrono::seconds longestWaitAtExit(30);
+
+// One for the process. Its destructor runs before GDAL's own, which the plugin depends on.
+class Activities
+{
+public:
+    void begin()
+    {
+        const std::lock_guard<std::mutex> guard(mutex);
+        ++running;
+    }
+    void end()
+    {
+        const std::lock_guard<std::mutex> guard(mutex);
+        --running;
+        ended.notify_all();
+    }
+    ~Activities()
+    {
+        ending = true;
+        std::unique_lock<std::mutex> guard(mutex);
+        ended.wait_for(guard, longestWaitAtExit, [this] { return running == 0; });
+    }
+
+    std::atomic<bool> ending{false};
+
+private:
+    std::mutex mutex; // guards running
+    std::condition_variable ended;
+    int running = 0;
+};
+
+Activities activities;
+
+std::mutex cacheMutex; // guards stripRows and the calls that follow from it
+std::multiset<qint64>& stripRows()
+{
+    static std::multiset<qint64> rows;
+    return rows;
+}
+
+void applyCacheSize()
+{
+    const auto& rows = stripRows();
+    const qint64 largest = rows.empty() ? 0 : *rows.rbegin();
+    const GIntBig strips =
+        std::clamp<GIntBig>(largest * cachedStripRows, leastStripCacheBytes, mostStripCacheBytes);
+    GDALSetCacheMax64(largest > 0 ? strips : blockCacheBytes);
+}
+
+void setOption(const char* name, const char* value)
+{
+    if (!CPLGetConfigOption(name, nullptr)) { // the user's own setting goes first
+        CPLSetConfigOption(name, value);
+    }
+}
+
+} // namespace
+
+void setUpGdal()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        GDALAllRegister();
+        // Tiles are read by several threads already.
+        CPLSetConfigOption("GDAL_NUM_THREADS", nullptr);
+        // A dead server must not hold a pool thread for ever. In seconds.
+        setOption("GDAL_HTTP_CONNECTTIMEOUT", "10");
+        setOption("GDAL_HTTP_TIMEOUT", "30");
+        setOption("CPL_VSIL_CURL_CACHE_SIZE", "67108864");
+        applyCacheSize();
+    });
+}
+
+GdalErrors::GdalErrors()
+{
+    CPLErrorReset();
+    CPLPushErrorHandlerEx(&GdalErrors::collect, this);
+}
+
+GdalErrors::~GdalErrors()
+{
+    CPLPopErrorHandler();
+}
+
+void GdalErrors::collect(CPLErr kind, CPLErrorNum, const char* message)
+{
+    auto* const self = static_cast<GdalErrors*>(CPLGetErrorHandlerUserData());
+    if (kind == CE_Warning) {
+        self->warning = QString::fromUtf8(message);
+    } else if (kind >= CE_Failure && self->error.isEmpty()) {
+        self->error = QString::fromUtf8(message);
+    }
+}
+
+QString GdalErrors::text() const
+{
+    return error.isEmpty() ? warning : error;
+}
+
+GdalActivity::GdalActivity()
+{
+    activities.begin();
+}
+
+GdalActivity::~GdalActivity()
+{
+    activities.end();
+}
+
+bool GdalActivity::isEnding()
+{
+    return activities.ending;
+}
+
+bool isRemote(const QString& dataSource)
+{
+    static const QStringList prefixes = {
+        QStringLiteral("http://"),    QStringLiteral("https://"), QStringLiteral("s3://"),
+        QStringLiteral("/vsicurl"),   QStringLiteral("/vsis3"),   QStringLiteral("/vsigs"),
+        QStringLiteral("/vsiaz"),     QStringLiteral("/vsioss"),  QStringLiteral("/vsiswift"),
+        QStringLiteral("/vsiwebhdfs")};
+    return std::any_of(prefixes.begin(), prefixes.end(), [&dataSource](const QString& prefix) {
+        return dataSource.startsWith(prefix, Qt::CaseInsensitive);
+    });
+}
+
+bool isPlainFile(const QString& dataSource)
+{
+    // "NETCDF:file.nc:variable", "<VRTDataset>...", "/vsizip/archive.zip/image.tif" are for GDAL
+    static const QRegularExpression forGdal(QStringLiteral("^(/vsi|<|[A-Za-z0-9_]{2,}:)"));
+    return !forGdal.match(dataSource).hasMatch();
+}
+
+QString protocolOf(const QString& dataSource)
+{
+    if (dataSource.startsWith(QLatin1String("s3://"), Qt::CaseInsensitive) ||
+        dataSource.startsWith(QLatin1String("/vsis3")))
+    {
+        return QStringLiteral("s3");
+    }
+    return isRemote(dataSource) ? QStringLiteral("http") : QStringLiteral("file");
+}
+
+QString gdalName(const QString& dataSource)
+{
+    if (dataSource.startsWith(QLatin1String("s3://"), Qt::CaseInsensitive)) {
+        return QStringLiteral("/vsis3/") + dataSource.mid(5);
+    }
+    if (dataSource.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
+        dataSource.startsWith(QLatin1String("https://"), Qt::CaseInsensitive))
+    {
+        return QStringLiteral("/vsicurl/") + dataSource;
+    }
+    if (dataSource.startsWith(QLatin1String("file:"), Qt::CaseInsensitive)) {
+        return QUrl(dataSource).toLocalFile();
+    }
+    return dataSource;
+}
+
+DatasetPointer openDataset(const QString& name, bool remote, QString* error)
+{
+    const GdalErrors errors;
+    // A listing of the folder costs a server many requests, and a file only one.
+    CPLSetThreadLocalConfigOption("GDAL_DISABLE_READDIR_ON_OPEN", remote ? "EMPTY_DIR" : nullptr);
+    DatasetPointer dataset(GDALOpenEx(name.toUtf8().constData(),
+                                      GDAL_OF_READONLY | GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR,
+                                      nullptr, nullptr, nullptr));
+    CPLSetThreadLocalConfigOption("GDAL_DISABLE_READDIR_ON_OPEN", nullptr);
+    if (!dataset && error) {
+        *error = errors.text();
+    }
+    return dataset;
+}
+
+BlockCacheShare::BlockCacheShare(qint64 bytes) : rowBytes(bytes)
+{
+    const std::lock_guard<std::mutex> guard(cacheMutex);
+    stripRows().insert(rowBytes);
+    applyCacheSize();
+}
+
+BlockCacheShare::~BlockCacheShare()
+{
+    const std::lock_guard<std::mutex> guard(cacheMutex);
+    auto& rows = stripRows();
+    rows.erase(rows.find(rowBytes));
+    applyCacheSize();
+}
+
+} // namespace Corvane::Map

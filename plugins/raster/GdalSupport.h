@@ -1,0 +1,81 @@
+#pragma once
+
+#include <gdal.h>
+
+#include <QString>
+
+#include <memory>
+
+namespace Corvane::Map {
+
+/// Registers the drivers and sets the options of the process, once. Any thread.
+void setUpGdal();
+
+/// Closes a dataset.
+struct DatasetCloser
+{
+    void operator()(GDALDatasetH dataset) const { GDALClose(dataset); }
+};
+using DatasetPointer = std::unique_ptr<void, DatasetCloser>;
+
+/// Collects what GDAL says on this thread while the object lives, instead of printing it.
+class GdalErrors
+{
+public:
+    GdalErrors();
+    ~GdalErrors();
+    GdalErrors(const GdalErrors&) = delete;
+    GdalErrors& operator=(const GdalErrors&) = delete;
+
+    /// The first error, else the last warning, else empty.
+    QString text() const;
+
+private:
+    static void collect(CPLErr kind, CPLErrorNum number, const char* message);
+
+    QString error;
+    QString warning;
+};
+
+/// Keeps reads inside the life of the process' GDAL: the plugin's last act is to wait for those
+/// that are under way.
+class GdalActivity
+{
+public:
+    GdalActivity();
+    ~GdalActivity();
+    GdalActivity(const GdalActivity&) = delete;
+    GdalActivity& operator=(const GdalActivity&) = delete;
+
+    /// The program is ending: reads stop at the next block.
+    static bool isEnding();
+};
+
+/// Whether the text names a file of this machine, as opposed to a URL or an archive member.
+bool isPlainFile(const QString& dataSource);
+/// Whether reads go over the network.
+bool isRemote(const QString& dataSource);
+/// "file", "http" or "s3".
+QString protocolOf(const QString& dataSource);
+/// The name that GDAL opens: URLs go through its virtual file systems.
+QString gdalName(const QString& dataSource);
+
+/// An open dataset, read-only; null with the reason in error. Any thread; may take long.
+DatasetPointer openDataset(const QString& name, bool remote, QString* error);
+
+/// The size of GDAL's block cache follows the sources that are open: small for sources in blocks,
+/// several rows of strips for the others. One of these stands for one open source. Any thread.
+class BlockCacheShare
+{
+public:
+    /// rowBytes: the bytes of the widest row of tiles that is read in strips, 0 without strips.
+    explicit BlockCacheShare(qint64 rowBytes);
+    ~BlockCacheShare();
+    BlockCacheShare(const BlockCacheShare&) = delete;
+    BlockCacheShare& operator=(const BlockCacheShare&) = delete;
+
+private:
+    qint64 rowBytes;
+};
+
+} // namespace Corvane::Map

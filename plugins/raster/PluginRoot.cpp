@@ -1,0 +1,1 @@
+#include <plugins/raster/PluginRoot.h>

@@ -1,0 +1,96 @@
+#include <plugins/raster/RasterSource.h>
+
+#include <plugins/raster/RasterStretch.h>
+
+#include <corvane/core/Application.h>
+
+#include <QDateTime>
+
+#include <algorithm>
+#include <utility>
+
+namespace Corvane::Map {
+
+namespace {
+
+// Of the widest row of tiles that is read in strips, 0 without strips.
+qint64 stripRowBytes(const RasterFacts& facts)
+{
+    qint64 bytes = 0;
+    for (const LevelFacts& level : facts.levels) {
+        if (!level.inStrips) {
+            continue;
+        }
+        qint64 pixelBytes = 0;
+        for (const BandFacts& band : facts.bands) {
+            pixelBytes += GDALGetDataTypeSizeBytes(band.type);
+        }
+        const qint64 rows = std::max<qint64>(facts.tileSize, facts.blockSize.height());
+        bytes = std::max(bytes, level.sourceSize.width() * rows * pixelBytes);
+    }
+    return bytes;
+}
+
+} // namespace
+
+std::shared_ptr<RasterSource> RasterSource::open(const QString& dataSource, QString* error)
+{
+    setUpGdal();
+    const GdalActivity activity;
+    const QString name = gdalName(dataSource);
+    const bool remote = isRemote(dataSource);
+    std::unique_ptr<RasterHandle> first = openHandle(name, remote, error);
+    if (!first) {
+        return nullptr;
+    }
+    return std::shared_ptr<RasterSource>(
+        new RasterSource(dataSource, name, remote, std::move(first)));
+}
+
+RasterSource::RasterSource(QString source, const QString& name, bool remote,
+                           std::unique_ptr<RasterHandle> first)
+    : dataSource(std::move(source)),
+      theFacts(readFacts(first->original.get(), first->shown())),
+      handles(name, remote, std::move(first)),
+      cacheShare(std::make_unique<BlockCacheShare>(stripRowBytes(theFacts)))
+{
+    for (std::size_t i = 0; i < theFacts.bands.size(); ++i) {
+        stretches.push_back(std::make_unique<BandStretch>());
+    }
+}
+
+StretchRange RasterSource::stretchOf(int band, const RasterHandle& handle)
+{
+    const auto index = static_cast<std::size_t>(band - 1);
+    const BandFacts& bandFacts = theFacts.bands[index];
+    if (bandFacts.isPlainByte()) {
+        return {};
+    }
+    BandStretch& stretch = *stretches[index];
+    std::call_once(stretch.once, [&] {
+        stretch.range = percentileCut(GDALGetRasterBand(handle.original.get(), band), bandFacts);
+    });
+    return stretch.range;
+}
+
+void RasterSource::reportFailure(const QString& reason)
+{
+    bool first = false;
+    {
+        const std::lock_guard<std::mutex> guard(failureMutex);
+        failure = reason;
+        first = !std::exchange(failureLogged, true);
+    }
+    if (first) {
+        Application::logMessage(QStringLiteral("cannot read %1: %2").arg(dataSource, reason),
+                                LogLevel::Warning, QDateTime::currentDateTime());
+    }
+}
+
+QString RasterSource::lastFailure() const
+{
+    const std::lock_guard<std::mutex> guard(failureMutex);
+    return failure;
+}
+
+} // namespace Corvane::Map

@@ -1,0 +1,180 @@
+#include <corvane/core/Application.h>
+#include <corvane/core/ILayerEditorPlugin.h>
+#include <corvane/core/ILayerPlugin.h>
+#include <corvane/core/ILayerPluginInfo.h>
+#include <corvane/core/ILayerPropertiesWidget.h>
+#include <corvane/core/PluginManager.h>
+#include <corvane/map/IRasterLayerHistogram.h>
+#include <corvane/map/MapCanvas.h>
+#include <corvane/map/MapView.h>
+#include <corvane/map/RasterLayer.h>
+#include <corvane/tiles/ITiledLayer.h>
+#include <tests/plugins/TestRasters.h>
+
+#include <QAction>
+#include <QDir>
+#include <QPluginLoader>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+using namespace Corvane;
+using namespace Corvane::Tests;
+
+namespace {
+
+constexpr char className[] = "Corvane::Map::GdalRasterLayer";
+
+QString pluginFile()
+{
+    return QDir(QStringLiteral(CORVANE_PLUGIN_DIR)).filePath("corvane-raster.so");
+}
+
+} // namespace
+
+/// The plugin as a program meets it: a file that is loaded at run time.
+class RasterPluginFileTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+
+    void theFileOffersTheThreeInterfaces();
+    void itsLayersOfferTheTileAndHistogramInterfaces();
+    void theManagerMakesItsLayerByClassName();
+    void theManagerFindsItByFileExtension_data();
+    void theManagerFindsItByFileExtension();
+    void eachReadFilterHoldsPatternsInItsFirstParentheses();
+    void thePropertyPageIsFoundByClassName();
+    void thereIsAnActionThatAddsRasters();
+    void aMapViewShowsAFile();
+
+private:
+    QTemporaryDir folder;
+    QString file;
+};
+
+void RasterPluginFileTest::initTestCase()
+{
+    QVERIFY(folder.isValid());
+    file = folder.filePath("rgb.tif");
+    QVERIFY(makeRaster(file, RasterRecipe()));
+    // the manager looks beside the program
+    const QString plugins = QCoreApplication::applicationDirPath() + "/tvviewerplugins";
+    QDir().mkpath(plugins);
+    const QString link = plugins + "/corvane-raster.so";
+    QFile::remove(link);
+    QVERIFY(QFile::link(pluginFile(), link));
+}
+
+void RasterPluginFileTest::theFileOffersTheThreeInterfaces()
+{
+    QPluginLoader loader(pluginFile());
+    QObject* const root = loader.instance();
+    QVERIFY2(root, qPrintable(loader.errorString()));
+    QVERIFY(root->qt_metacast("com.corvane.viewer.ILayerPluginInfo/1.0"));
+    QVERIFY(root->qt_metacast("com.corvane.viewer.ILayerPlugin/1.0"));
+    QVERIFY(root->qt_metacast("com.corvane.viewer.ILayerEditorPlugin/1.0"));
+    auto* const info = static_cast<ILayerPluginInfo*>(
+        root->qt_metacast("com.corvane.viewer.ILayerPluginInfo/1.0"));
+    QCOMPARE(info->getClassName(), QString(className));
+    QVERIFY(info->isEnabled());
+    QVERIFY(info->getVersion().contains("GDAL"));
+}
+
+void RasterPluginFileTest::itsLayersOfferTheTileAndHistogramInterfaces()
+{
+    const std::unique_ptr<Map::Layer> layer(PluginManager::createLayer(className, false));
+    QVERIFY(layer);
+    QCOMPARE(layer->metaObject()->className(), className);
+    QVERIFY(qobject_cast<Map::RasterLayer*>(layer.get()));
+    QVERIFY(layer->qt_metacast("com.corvane.viewer.ITiledLayer/1.0"));
+    QVERIFY(layer->qt_metacast("com.corvane.viewer.IRasterLayerHistogram/1.0"));
+    QVERIFY(qobject_cast<Map::ITiledLayer*>(layer.get()));
+    QVERIFY(qobject_cast<Map::IRasterLayerHistogram*>(layer.get()));
+}
+
+void RasterPluginFileTest::theManagerMakesItsLayerByClassName()
+{
+    const std::unique_ptr<Map::Layer> layer(
+        PluginManager::createLayer("corvane::map::gdalrasterlayer", false));
+    QVERIFY(layer);
+    QVERIFY(!layer->isValid());
+    QVERIFY(layer->setDataSource(file));
+    QTRY_VERIFY(layer->isValid());
+    QCOMPARE(layer->getBounds(), QRectF(1000.0, 5000.0, 1200.0, -1000.0));
+}
+
+void RasterPluginFileTest::theManagerFindsItByFileExtension_data()
+{
+    QTest::addColumn<QString>("extension");
+    for (const char* extension : {"tif", "TIFF", "jp2", "png", "jpg", "vrt", "img"}) {
+        QTest::newRow(extension) << QString(extension);
+    }
+}
+
+void RasterPluginFileTest::theManagerFindsItByFileExtension()
+{
+    QFETCH(QString, extension);
+    QCOMPARE(PluginManager::findLayerClassname(extension), QString(className));
+}
+
+void RasterPluginFileTest::eachReadFilterHoldsPatternsInItsFirstParentheses()
+{
+    const auto infos = PluginManager::getLayerPluginInfoList();
+    QCOMPARE(infos.size(), 1);
+    const QStringList filters = infos.first()->getReadFilter().split(";;");
+    QVERIFY(filters.size() > 20);
+    const QRegularExpression form("^[^()]+ \\(\\*\\.[a-z0-9_.]+( \\*\\.[a-z0-9_.]+)*\\)$");
+    for (const QString& filter : filters) {
+        QVERIFY2(form.match(filter).hasMatch(), qPrintable(filter));
+    }
+    QVERIFY(filters.contains("GeoTIFF (*.tif *.tiff)"));
+}
+
+void RasterPluginFileTest::thePropertyPageIsFoundByClassName()
+{
+    const QList<QWidget*> pages = PluginManager::getLayerPropertyWidgets(className);
+    QCOMPARE(pages.size(), 1);
+    const std::unique_ptr<QWidget> page(pages.first());
+    QVERIFY(page->qt_metacast("com.corvane.viewer.ILayerPropertiesWidget/1.0"));
+    QVERIFY(!page->windowTitle().isEmpty());
+}
+
+void RasterPluginFileTest::thereIsAnActionThatAddsRasters()
+{
+    const QList<QAction*> actions = PluginManager::getLayerPluginAddLayerActions();
+    QCOMPARE(actions.size(), 1);
+    QCOMPARE(actions.first()->objectName(), QString("actionAddRaster"));
+    QCOMPARE(PluginManager::getLayerPluginAddLayerActions(), actions);
+}
+
+void RasterPluginFileTest::aMapViewShowsAFile()
+{
+    Map::MapView view;
+    view.resize(600, 500);
+    view.show();
+    QCOMPARE(view.addLayer(className, file), 0);
+    Map::Layer* const layer = view.getLayerAt(0);
+    QVERIFY(layer->isValid());
+    view.setBounds(1000.0, 5000.0, 2200.0, 4000.0);
+    QTRY_COMPARE(int(layer->getPercentComplete()), 100);
+
+    const QImage picture = view.grab().toImage();
+    const Dataset dataset = openRaster(file);
+    QVERIFY(dataset);
+    const QColor middle = picture.pixelColor(300, 250);
+    // the view's extent may be off by less than a pixel
+    const int expected = static_cast<int>(readBand(dataset.get(), 1, 300, 250, 1, 1).front());
+    QVERIFY(std::abs(middle.red() - expected) <= 20);
+}
+
+int main(int argc, char** argv)
+{
+    Application application(argc, argv, "RasterPluginFileTest");
+    RasterPluginFileTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "RasterPluginFileTest.moc"
