@@ -76,14 +76,17 @@ void LayerLevels::setView(int width, int, double tlx, double tly, double brx, do
 }
 
 // The index, -1 without levels. The test is on the width of a tile as it stands: only x decides,
-// and without a threshold (no width in pixels) nothing stops the walk. A null level stops nothing.
+// and without a threshold (no width in pixels) nothing stops the walk. A null level is passed over.
 int LayerLevels::chooseLevel(int width, double tlx, double brx) const
 {
     const double worldPerDevicePixel = (brx - tlx) / width;
     const double threshold = tileSize * worldPerDevicePixel;
     int chosen = isEmpty() ? -1 : 0;
     for (int i = 1; i < size(); ++i) {
-        if (at(i) && at(i)->getWorldPerTileX() > threshold) {
+        if (!at(i)) {
+            continue;
+        }
+        if (at(i)->getWorldPerTileX() > threshold) {
             break;
         }
         chosen = i;
