@@ -194,7 +194,8 @@ void LayerLevel::setView(double tlx, double tly, double brx, double bry)
 }
 
 // The layer is asked for the URL of a tile in memory too: it may count the tiles in view by it.
-// LayerLevelTest::asksForTheUrlOfATileInMemoryToo holds it.
+// LayerLevelTest::asksForTheUrlOfATileInMemoryToo holds it. A tile that arrives between the look
+// and the queueing is fetched once more, and addTile drops the second.
 void LayerLevel::viewTile(unsigned int tx, unsigned int ty)
 {
     double tlx = 0.0;

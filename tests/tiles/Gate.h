@@ -7,6 +7,12 @@
 class Gate
 {
 public:
+    Gate() = default;
+    Gate(const Gate&) = delete;
+    Gate& operator=(const Gate&) = delete;
+    /// Nobody is held any more; sees what the last visitor did.
+    ~Gate() { const std::lock_guard<std::mutex> guard(mutex); }
+
     /// Counts the caller in and returns once the gate is open.
     void pass()
     {

@@ -802,5 +802,5 @@ void LayerLevelTest::drawsNoOutlines()
              canvas(64, 64));
 }
 
-QTEST_MAIN(LayerLevelTest)
+QTEST_GUILESS_MAIN(LayerLevelTest)
 #include "LayerLevelTest.moc"

@@ -481,5 +481,5 @@ void LayerLevelsTest::deletesItsLevelsAtTheEnd()
     QCOMPARE(deleted, 2);
 }
 
-QTEST_MAIN(LayerLevelsTest)
+QTEST_GUILESS_MAIN(LayerLevelsTest)
 #include "LayerLevelsTest.moc"

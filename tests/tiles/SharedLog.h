@@ -9,6 +9,12 @@
 class SharedLog
 {
 public:
+    SharedLog() = default;
+    SharedLog(const SharedLog&) = delete;
+    SharedLog& operator=(const SharedLog&) = delete;
+    /// Nobody writes any more; sees what the last writer did.
+    ~SharedLog() { const std::lock_guard<std::mutex> guard(mutex); }
+
     void add(const QString& line)
     {
         const std::lock_guard<std::mutex> guard(mutex); // guards lines
