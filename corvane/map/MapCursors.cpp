@@ -2,6 +2,7 @@
 
 #include <QBitmap>
 #include <QCursor>
+#include <QDir>
 #include <QPoint>
 #include <QString>
 
@@ -17,15 +18,10 @@ constexpr QPoint pointHotSpot(0, 0);
 
 struct CursorPictures
 {
-    CursorPictures(const char* bitmapName, const char* maskName)
-        : bitmap(path(bitmapName)),
-          mask(path(maskName))
+    CursorPictures(const QDir& folder, const QString& bitmapFile, const QString& maskFile)
+        : bitmap(folder.filePath(bitmapFile)),
+          mask(folder.filePath(maskFile))
     {
-    }
-
-    static QString path(const char* name)
-    {
-        return QStringLiteral(":/resources/Cursors/%1.png").arg(QLatin1String(name));
     }
 
     bool isNull() const { return bitmap.isNull() || mask.isNull(); }
@@ -39,13 +35,20 @@ struct CursorPictures
     QBitmap mask;
 };
 
-MapCursors makeCursors()
+} // namespace
+
+MapCursors makeMapCursors(const QDir& folder)
 {
-    const CursorPictures roam("roamCur", "roamMask");
-    const CursorPictures roaming("roaming", "roamingMask");
-    const CursorPictures zoom("zoomCur", "zoomMask");
-    const CursorPictures zoomBox("zoomboxCur", "zoomboxMask");
-    const CursorPictures point("point", "pointMask");
+    const CursorPictures roam(folder, QStringLiteral("roamCur.png"),
+                              QStringLiteral("roamMask.png"));
+    const CursorPictures roaming(folder, QStringLiteral("roaming.png"),
+                                 QStringLiteral("roamingMask.png"));
+    const CursorPictures zoom(folder, QStringLiteral("zoomCur.png"),
+                              QStringLiteral("zoomMask.png"));
+    const CursorPictures zoomBox(folder, QStringLiteral("zoomboxCur.png"),
+                                 QStringLiteral("zoomboxMask.png"));
+    const CursorPictures point(folder, QStringLiteral("point.png"),
+                               QStringLiteral("pointMask.png"));
 
     MapCursors cursors;
     // the pictures of roaming are not asked: both cursors stand or fall with those of roam
@@ -59,11 +62,9 @@ MapCursors makeCursors()
     return cursors;
 }
 
-} // namespace
-
 const MapCursors& mapCursors()
 {
-    static const MapCursors cursors = makeCursors();
+    static const MapCursors cursors = makeMapCursors(QDir(QStringLiteral(":/resources/Cursors")));
     return cursors;
 }
 

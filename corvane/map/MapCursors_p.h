@@ -1,11 +1,11 @@
 #pragma once
 
 class QCursor;
+class QDir;
 
 namespace Corvane::Map {
 
-/// The pointer shapes of a map, drawn from the resource tree, with a built-in shape where a
-/// picture is missing. Live as long as the process.
+/// The pointer shapes of a map, drawn from pictures, with a built-in shape where one is missing.
 struct MapCursors
 {
     QCursor* roam;
@@ -15,7 +15,11 @@ struct MapCursors
     QCursor* point;
 };
 
-/// The one set, made at the first call. GUI thread only, with an application object.
+/// A new set from the pictures in folder; its cursors are the caller's.
+MapCursors makeMapCursors(const QDir& folder);
+
+/// The one set of the resource tree, which lives as long as the process. GUI thread only, with an
+/// application object.
 const MapCursors& mapCursors();
 
 } // namespace Corvane::Map

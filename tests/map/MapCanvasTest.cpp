@@ -327,8 +327,7 @@ void MapCanvasTest::anEmptyDescriptionKeepsTheLayersOwn()
 {
     MapCanvas canvas(nullptr);
     canvas.addLayer(QStringLiteral("TestPluginLayer"), QStringLiteral("a.tif"));
-    canvas.addLayer(QStringLiteral("TestPluginLayer"), QStringLiteral("b.tif"),
-                    QStringLiteral(""));
+    canvas.addLayer(QStringLiteral("TestPluginLayer"), QStringLiteral("b.tif"), QStringLiteral(""));
 
     QCOMPARE(canvas.getLayerAt(0)->getDescription(), QStringLiteral("made by the plugin"));
     QCOMPARE(canvas.getLayerAt(1)->getDescription(), QStringLiteral("made by the plugin"));
@@ -632,9 +631,8 @@ void MapCanvasTest::tellsShownLayersTheView()
 
     canvas.setView(640, 480, -1.5, 2.5, 3.5, -4.5);
 
-    QCOMPARE(journal,
-             QStringList({"a setView 640x480 -1.5 2.5 3.5 -4.5",
-                          "b setView 640x480 -1.5 2.5 3.5 -4.5"}));
+    QCOMPARE(journal, QStringList({"a setView 640x480 -1.5 2.5 3.5 -4.5",
+                                   "b setView 640x480 -1.5 2.5 3.5 -4.5"}));
     canvas.getOverlayLayers().clear();
     canvas.getBackgroundLayers().clear();
 }
@@ -672,9 +670,8 @@ void MapCanvasTest::passesEachUpdateCallOn()
     canvas.beginUpdate(false);
     canvas.endUpdate();
 
-    QCOMPARE(journal,
-             QStringList({"a beginUpdate zoom", "b beginUpdate zoom", "a beginUpdate roam",
-                          "b beginUpdate roam", "a endUpdate", "b endUpdate"}));
+    QCOMPARE(journal, QStringList({"a beginUpdate zoom", "b beginUpdate zoom", "a beginUpdate roam",
+                                   "b beginUpdate roam", "a endUpdate", "b endUpdate"}));
     canvas.getOverlayLayers().clear();
 }
 

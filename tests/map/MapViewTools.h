@@ -52,15 +52,19 @@ class JournalLayer : public TestLayer
 {
 public:
     JournalLayer(QString layerName, QStringList* sharedJournal, QColor fill = Qt::black)
-        : name(std::move(layerName)), journal(sharedJournal), colour(fill)
+        : name(std::move(layerName)),
+          journal(sharedJournal),
+          colour(fill)
     {
     }
     ~JournalLayer() override { write(QStringLiteral("gone")); }
 
     void setView(int width, int height, double tlx, double tly, double brx, double bry) override
     {
-        write(QStringLiteral("setView %1x%2 %3").arg(width).arg(height).arg(
-            text(tlx, tly, brx, bry)));
+        write(QStringLiteral("setView %1x%2 %3")
+                  .arg(width)
+                  .arg(height)
+                  .arg(text(tlx, tly, brx, bry)));
     }
     void beginUpdate(bool zoom) override
     {
@@ -111,9 +115,8 @@ inline void record(Corvane::Map::MapView& view, QStringList* journal)
                          journal->append(QStringLiteral("extents ") + text(tlx, tly, brx, bry));
                      });
     QObject::connect(&view, &MapView::pointerCoordChanged, &view, [=](QPointF point) {
-        journal->append(QStringLiteral("pointer %1 %2")
-                            .arg(point.x(), 0, 'g', 10)
-                            .arg(point.y(), 0, 'g', 10));
+        journal->append(
+            QStringLiteral("pointer %1 %2").arg(point.x(), 0, 'g', 10).arg(point.y(), 0, 'g', 10));
     });
 }
 
@@ -168,8 +171,7 @@ inline bool doubleClick(QWidget& widget, QPoint position, Qt::MouseButton button
 {
     press(widget, position, button);
     release(widget, position, button);
-    const bool accepted =
-        sendMouse(widget, QEvent::MouseButtonDblClick, position, button, button);
+    const bool accepted = sendMouse(widget, QEvent::MouseButtonDblClick, position, button, button);
     release(widget, position, button);
     return accepted;
 }

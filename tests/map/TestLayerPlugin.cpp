@@ -10,10 +10,7 @@ class TestPluginLayer : public PlainLayer<Corvane::Map::Layer>
 {
     Q_OBJECT
 public:
-    TestPluginLayer() : PlainLayer(nullptr)
-    {
-        description = QStringLiteral("made by the plugin");
-    }
+    TestPluginLayer() : PlainLayer(nullptr) { description = QStringLiteral("made by the plugin"); }
 };
 
 /// A layer plugin, for tests of what a canvas and a view do with a layer of a plugin.
