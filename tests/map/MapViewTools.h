@@ -12,6 +12,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWheelEvent>
+#include <QtTest/qtestspontaneevent.h>
 
 #include <memory>
 
@@ -166,6 +167,21 @@ inline bool release(QWidget& widget, QPoint position, Qt::MouseButton button = Q
     return sendMouse(widget, QEvent::MouseButtonRelease, position, button, Qt::NoButton);
 }
 
+/// The changes of extent in a journal of three lines each, as setBounds makes them, with those that
+/// repeat the one before left out: Qt may ask an animation for its first value more than once.
+inline QStringList withoutRepeatedSteps(QStringList journal)
+{
+    constexpr int linesOfAStep = 3;
+    for (int i = 0; i + 2 * linesOfAStep <= journal.size();) {
+        if (journal.mid(i, linesOfAStep) == journal.mid(i + linesOfAStep, linesOfAStep)) {
+            journal.erase(journal.begin() + i, journal.begin() + i + linesOfAStep);
+        } else {
+            ++i;
+        }
+    }
+    return journal;
+}
+
 /// The four events of a double click, as the window system sends them.
 inline bool doubleClick(QWidget& widget, QPoint position, Qt::MouseButton button = Qt::LeftButton)
 {
@@ -181,6 +197,8 @@ inline bool wheel(QWidget& widget, QPointF position, int delta,
 {
     QWheelEvent event(position, widget.mapToGlobal(position.toPoint()), QPoint(), QPoint(0, delta),
                       buttons, Qt::NoModifier, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&widget, &event);
+    // a made-up wheel event, as sendEvent marks it, would not reach the parent
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(&widget, &event);
     return event.isAccepted();
 }
