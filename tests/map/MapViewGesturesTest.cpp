@@ -154,8 +154,8 @@ void MapViewGesturesTest::aPressChoosesTheDrag_data()
                                  << Qt::CrossCursor;
     QTest::newRow("shift zooms with the right button too")
         << int(Qt::RightButton) << shift << int(IClient::Zoom) << Qt::CrossCursor;
-    QTest::newRow("control draws a box") << int(Qt::LeftButton) << control
-                                         << int(IClient::ZoomBox) << Qt::CrossCursor;
+    QTest::newRow("control draws a box")
+        << int(Qt::LeftButton) << control << int(IClient::ZoomBox) << Qt::CrossCursor;
     QTest::newRow("control draws a box with the right button too")
         << int(Qt::RightButton) << control << int(IClient::ZoomBox) << Qt::CrossCursor;
     QTest::newRow("shift goes before control")
@@ -176,8 +176,8 @@ void MapViewGesturesTest::aPressChoosesTheDrag()
 
     QCOMPARE(j.mode(), IClient::PointerMode(mode));
     QCOMPARE(j.cursor(), cursor);
-    QCOMPARE(j.journal, QStringList({mode == IClient::Roam ? "a beginUpdate roam"
-                                                           : "a beginUpdate zoom"}));
+    QCOMPARE(j.journal,
+             QStringList({mode == IClient::Roam ? "a beginUpdate roam" : "a beginUpdate zoom"}));
 }
 
 void MapViewGesturesTest::aReleaseRestoresTheModeAndItsCursor_data()
@@ -205,16 +205,16 @@ void MapViewGesturesTest::outsideRoamAPressKeepsTheMode_data()
     QTest::addColumn<int>("mode");
     QTest::addColumn<int>("button");
     QTest::addColumn<int>("modifiers");
-    QTest::newRow("zooming with control") << int(IClient::Zoom) << int(Qt::LeftButton)
-                                          << int(Qt::ControlModifier);
-    QTest::newRow("a box with shift") << int(IClient::ZoomBox) << int(Qt::LeftButton)
-                                      << int(Qt::ShiftModifier);
+    QTest::newRow("zooming with control")
+        << int(IClient::Zoom) << int(Qt::LeftButton) << int(Qt::ControlModifier);
+    QTest::newRow("a box with shift")
+        << int(IClient::ZoomBox) << int(Qt::LeftButton) << int(Qt::ShiftModifier);
     QTest::newRow("a box with the right button")
         << int(IClient::ZoomBox) << int(Qt::RightButton) << int(Qt::NoModifier);
     QTest::newRow("pointing with the right button")
         << int(IClient::Point) << int(Qt::RightButton) << int(Qt::NoModifier);
-    QTest::newRow("pointing with shift") << int(IClient::Point) << int(Qt::LeftButton)
-                                         << int(Qt::ShiftModifier);
+    QTest::newRow("pointing with shift")
+        << int(IClient::Point) << int(Qt::LeftButton) << int(Qt::ShiftModifier);
 }
 
 void MapViewGesturesTest::outsideRoamAPressKeepsTheMode()
@@ -414,10 +414,10 @@ void MapViewGesturesTest::aDoubleClickZoomsInAboutThePoint_data()
     QTest::newRow("in the centre") << QPoint(50, 50) << int(Qt::LeftButton) << "25 75 75 25";
     QTest::newRow("off the centre") << QPoint(20, 30) << int(Qt::LeftButton) << "10 85 60 35";
     QTest::newRow("in a corner") << QPoint(0, 0) << int(Qt::LeftButton) << "0 100 50 50";
-    QTest::newRow("with the right button") << QPoint(20, 30) << int(Qt::RightButton)
-                                           << "10 85 60 35";
-    QTest::newRow("with the middle button") << QPoint(20, 30) << int(Qt::MiddleButton)
-                                            << "10 85 60 35";
+    QTest::newRow("with the right button")
+        << QPoint(20, 30) << int(Qt::RightButton) << "10 85 60 35";
+    QTest::newRow("with the middle button")
+        << QPoint(20, 30) << int(Qt::MiddleButton) << "10 85 60 35";
 }
 
 void MapViewGesturesTest::aDoubleClickZoomsInAboutThePoint()
@@ -453,9 +453,9 @@ void MapViewGesturesTest::twoDoubleClicksZoomByFour()
 void MapViewGesturesTest::aDoubleClickIsAnimated()
 {
     JournalView j(Motion::Animated);
-    sendMouse(*j.view, QEvent::MouseButtonDblClick, QPoint(20, 30), Qt::LeftButton,
-              Qt::LeftButton);
-    QCOMPARE(withoutRepeatedSteps(j.journal), QStringList({"a beginUpdate zoom"}) + set("0 100 100 0"));
+    sendMouse(*j.view, QEvent::MouseButtonDblClick, QPoint(20, 30), Qt::LeftButton, Qt::LeftButton);
+    QCOMPARE(withoutRepeatedSteps(j.journal),
+             QStringList({"a beginUpdate zoom"}) + set("0 100 100 0"));
     j.journal.clear();
 
     j.runTo(100); // half the time is a quarter of the way
@@ -506,8 +506,7 @@ void MapViewGesturesTest::theWheelIsAnimatedByTwo_data()
     QTest::newRow("forward keeps the point") << QPointF(20, 30) << 120 << "10 85 60 35";
     QTest::newRow("back zooms out") << QPointF(50, 50) << -120 << "-50 150 150 -50";
     QTest::newRow("back keeps the point") << QPointF(20, 30) << -120 << "-20 130 180 -70";
-    QTest::newRow("the size of the delta does not matter")
-        << QPointF(50, 50) << 1 << "25 75 75 25";
+    QTest::newRow("the size of the delta does not matter") << QPointF(50, 50) << 1 << "25 75 75 25";
     QTest::newRow("nor that of a large one back") << QPointF(50, 50) << -960 << "-50 150 150 -50";
     QTest::newRow("a delta of nothing zooms in") << QPointF(50, 50) << 0 << "25 75 75 25";
 }
@@ -520,7 +519,8 @@ void MapViewGesturesTest::theWheelIsAnimatedByTwo()
     JournalView j(Motion::Animated);
 
     QVERIFY(wheel(*j.view, point, delta));
-    QCOMPARE(withoutRepeatedSteps(j.journal), QStringList({"a beginUpdate zoom"}) + set("0 100 100 0"));
+    QCOMPARE(withoutRepeatedSteps(j.journal),
+             QStringList({"a beginUpdate zoom"}) + set("0 100 100 0"));
 
     j.runTo(200);
     QCOMPARE(j.extents(), target);
@@ -550,7 +550,8 @@ void MapViewGesturesTest::aWheelStepDuringAnAnimationAddsUp()
     j.journal.clear();
 
     wheel(*j.view, QPointF(50, 50), 120);
-    QCOMPARE(withoutRepeatedSteps(j.journal), QStringList({"a beginUpdate zoom"}) + set("6.25 93.75 93.75 6.25"));
+    QCOMPARE(withoutRepeatedSteps(j.journal),
+             QStringList({"a beginUpdate zoom"}) + set("6.25 93.75 93.75 6.25"));
     j.journal.clear();
 
     j.runTo(200);
@@ -578,8 +579,7 @@ void MapViewGesturesTest::withoutAnimationTheWheelIsAZoomDrag()
     QVERIFY(wheel(*j.view, QPointF(20, 30), delta));
 
     QCOMPARE(j.journal, QStringList({"a beginUpdate zoom"}) +
-                            fired(zoomed(QPoint(20, 30), factor)) +
-                            QStringList({"a endUpdate"}));
+                            fired(zoomed(QPoint(20, 30), factor)) + QStringList({"a endUpdate"}));
 }
 
 void MapViewGesturesTest::withoutAnimationTheWheelKeepsModeAndCursor()
