@@ -21,13 +21,13 @@ public:
     /// Runs the event loop until every source is open or refused, or time is up.
     /// True where nothing is left under way.
     bool wait(const QDeadlineTimer& deadline);
+    /// Whether every source is open or refused.
+    bool isFinished() const;
 
     /// One for each source, in their order.
     const std::vector<std::unique_ptr<LayerOpener>>& getOpeners() const;
 
 private:
-    bool isFinished() const;
-
     std::vector<std::unique_ptr<LayerOpener>> openers;
 };
 

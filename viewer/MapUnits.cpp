@@ -15,13 +15,15 @@ namespace {
 // At 96 dots per inch, as the canvas counts it for the scale range of its layers.
 constexpr double dotsPerMetre = 9600.0 / 2.54;
 constexpr int mostDigits = 10;
+// A pixel of 0.9 units needs no more digits than one of 1: views are rarely round.
+constexpr double digitTolerance = 0.05;
 
 int digitsFor(double unitsPerPixel)
 {
     if (!(std::isfinite(unitsPerPixel) && unitsPerPixel > 0.0)) {
         return 0;
     }
-    return std::clamp(int(std::ceil(-std::log10(unitsPerPixel))), 0, mostDigits);
+    return std::clamp(int(std::ceil(-std::log10(unitsPerPixel) - digitTolerance)), 0, mostDigits);
 }
 
 QString percentText(double percent)

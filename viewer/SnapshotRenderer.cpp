@@ -23,35 +23,31 @@ ExitCode SnapshotRenderer::run()
     const QDeadlineTimer deadline(options.timeout);
     QString error;
     if (!canWrite(options.snapshotFile, &error)) {
-        printError(QString("cannot write %1: %2").arg(options.snapshotFile, error));
-        return WrongUsage;
+        return failToWrite(error);
     }
 
     makeView();
-    bool inTime = openFiles(deadline);
+    opener = std::make_unique<BatchOpener>(options.files);
+    QImage picture;
+    const bool complete = render(deadline, &picture);
+    underWay = !complete;
     const bool allOpened = reportUnopened();
-    if (inTime && view->getNumberOfLayers() == 0) {
+    if (opener->isFinished() && view->getNumberOfLayers() == 0) {
         return SourceFailed;
     }
-
-    showExtent();
-    QImage picture;
-    inTime = complete(deadline, &picture) && inTime;
-    underWay = !inTime;
+    if (!complete) {
+        printError("the map was not complete in time");
+    }
     if (picture.isNull()) {
-        printError(QString("no memory for a picture of %1x%2 pixels")
-                       .arg(options.size.width())
-                       .arg(options.size.height()));
-        return WrongUsage;
+        return failToWrite("no memory for a picture of this size");
     }
     if (!writePicture(picture, options.snapshotFile, &error)) {
-        printError(QString("cannot write %1: %2").arg(options.snapshotFile, error));
-        return WrongUsage;
+        return failToWrite(error);
     }
     if (!allOpened) {
         return SourceFailed;
     }
-    return inTime ? Done : NotComplete;
+    return complete ? Done : NotComplete;
 }
 
 bool SnapshotRenderer::isUnderWay() const
@@ -69,18 +65,24 @@ void SnapshotRenderer::makeView()
     view->show();
 }
 
-/// False where time was up before every source was open or refused.
-bool SnapshotRenderer::openFiles(const QDeadlineTimer& deadline)
+/// Adds what has become open since the last call, in the order of the files; what is open loads
+/// while the rest is still being opened.
+void SnapshotRenderer::addOpenedLayers()
 {
-    opener = std::make_unique<BatchOpener>(options.files);
-    const bool inTime = opener->wait(deadline);
-    underWay = !inTime;
+    int index = 0;
+    bool added = false;
     for (const auto& source : opener->getOpeners()) {
         if (auto layer = source->takeLayer()) {
-            view->addLayer(layer.release());
+            view->addLayer(layer.release(), index);
+            added = true;
+        }
+        if (source->isFinished() && source->getReason().isEmpty()) {
+            ++index;
         }
     }
-    return inTime;
+    if (added) {
+        showExtent();
+    }
 }
 
 /// Names what is not open, with the reason; false where a source was refused.
@@ -110,28 +112,35 @@ void SnapshotRenderer::showExtent()
 bool SnapshotRenderer::isComplete() const
 {
     const auto& layers = view->getLayers();
-    return std::all_of(layers.begin(), layers.end(), [](Map::Layer* layer) {
-        return !layer->isVisible() || (layer->isValid() && layer->getPercentComplete() >= 100);
-    });
+    return opener->isFinished() && std::all_of(layers.begin(), layers.end(), [](Map::Layer* layer) {
+               return !layer->isVisible() ||
+                      (layer->isValid() && layer->getPercentComplete() >= 100);
+           });
 }
 
 /// Paints when everything is there, or at the end of the time with what there is. Painting may ask
 /// a layer for more, so the answer is that of the moment after it.
-bool SnapshotRenderer::complete(const QDeadlineTimer& deadline, QImage* picture)
+bool SnapshotRenderer::render(const QDeadlineTimer& deadline, QImage* picture)
 {
     while (true) {
-        while (!isComplete() && !deadline.hasExpired()) {
-            runEventLoopBriefly();
+        addOpenedLayers();
+        if (isComplete() || deadline.hasExpired()) {
+            *picture = paintMapPicture(*view, 1.0);
+            if (isComplete()) {
+                return true;
+            }
+            if (deadline.hasExpired()) {
+                return false;
+            }
         }
-        *picture = paintMapPicture(*view, 1.0);
-        if (isComplete()) {
-            return true;
-        }
-        if (deadline.hasExpired()) {
-            printError("the map was not complete in time");
-            return false;
-        }
+        runEventLoopBriefly();
     }
+}
+
+ExitCode SnapshotRenderer::failToWrite(const QString& reason) const
+{
+    printError(QString("cannot write %1: %2").arg(options.snapshotFile, reason));
+    return WrongUsage;
 }
 
 } // namespace Corvane::Viewer

@@ -31,11 +31,12 @@ public:
 
 private:
     void makeView();
-    bool openFiles(const QDeadlineTimer& deadline);
+    void addOpenedLayers();
     void showExtent();
     bool isComplete() const;
-    bool complete(const QDeadlineTimer& deadline, QImage* picture);
+    bool render(const QDeadlineTimer& deadline, QImage* picture);
     bool reportUnopened() const;
+    ExitCode failToWrite(const QString& reason) const;
 
     const ViewerOptions options;
     std::unique_ptr<BatchOpener> opener;

@@ -25,8 +25,8 @@ constexpr int labelMargin = 6;
 
 ViewerStatusBar::ViewerStatusBar(QWidget* parent)
     : QStatusBar(parent),
-      coordinates(addLabel("coordinates", QStringLiteral("X: -0000000.0000°  Y: -0000000.0000°"))),
-      scale(addLabel("scale", QStringLiteral("1 px = 0.00000123°   1,000,000 %"))),
+      coordinates(addLabel("coordinates", QStringLiteral("X: 0000000.000  Y: 0000000.000"))),
+      scale(addLabel("scale", QStringLiteral("1 px = 0.000123°   10,000 %"))),
       progress(new LoadProgress(this))
 {
     addProgressBar();

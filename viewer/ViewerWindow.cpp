@@ -54,7 +54,7 @@ ViewerWindow::ViewerWindow(QWidget* parent)
       area(new QMdiArea(this)),
       commands(new MapCommands(this)),
       failures(new OpenFailures(this)),
-      statusBar(new ViewerStatusBar(this))
+      status(new ViewerStatusBar(this))
 {
     setObjectName("viewerWindow");
     setWindowTitle(QCoreApplication::applicationName());
@@ -63,7 +63,7 @@ ViewerWindow::ViewerWindow(QWidget* parent)
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(area);
-    setStatusBar(statusBar);
+    setStatusBar(status);
     createMenus();
     createToolBar();
     connect(area, &QMdiArea::subWindowActivated, this, &ViewerWindow::onSubWindowActivated);
@@ -127,7 +127,7 @@ void ViewerWindow::onSubWindowActivated(QMdiSubWindow* window)
     // Null also comes while another program is in front: the current window stays the one to tell of.
     const auto mapWindow = qobject_cast<MapWindow*>(window ? window : area->currentSubWindow());
     commands->setMapWindow(mapWindow);
-    statusBar->setMapWindow(mapWindow);
+    status->setMapWindow(mapWindow);
     addLayerAction->setEnabled(mapWindow != nullptr);
     closeAction->setEnabled(mapWindow != nullptr);
 }

@@ -58,7 +58,7 @@ private:
     QMdiArea* area;
     MapCommands* commands;
     OpenFailures* failures;
-    ViewerStatusBar* statusBar;
+    ViewerStatusBar* status;
     QAction* openAction = nullptr;
     QAction* addLayerAction = nullptr;
     QAction* closeAction = nullptr;

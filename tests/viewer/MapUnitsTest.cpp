@@ -109,6 +109,7 @@ void MapUnitsTest::coordinatesHaveTheDigitsOfAPixel_data()
     const int length = MapUnits::Length;
     QTest::newRow("ten metres a pixel need none") << length << 10.0 << "X: 1235  Y: -987654";
     QTest::newRow("a metre a pixel needs none") << length << 1.0 << "X: 1235  Y: -987654";
+    QTest::newRow("nearly a metre a pixel needs none") << length << 0.99 << "X: 1235  Y: -987654";
     QTest::newRow("a decimetre a pixel needs one") << length << 0.1 << "X: 1234.6  Y: -987654.3";
     QTest::newRow("a quarter of a metre needs one") << length << 0.25 << "X: 1234.6  Y: -987654.3";
     QTest::newRow("degrees say so")
