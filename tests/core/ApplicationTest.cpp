@@ -289,7 +289,6 @@ void ApplicationTest::theMainWindowIsTheFirstThatIsOne()
     QMainWindow one;
     QCOMPARE(program->getMainWindow(), &one);
     const QMainWindow two;
-    const QMainWindow inside(&one, Qt::Widget);
     QMainWindow* first = nullptr;
     const QWidgetList widgets = QApplication::topLevelWidgets();
     for (int i = 0; i < widgets.size() && !first; ++i) {
