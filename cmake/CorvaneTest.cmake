@@ -26,8 +26,8 @@ function(corvane_test name)
     endif()
 
     set(home ${CMAKE_BINARY_DIR}/tests/${folder}/${file}/home)
-    file(MAKE_DIRECTORY ${home})
     file(MAKE_DIRECTORY ${home}/runtime)
+    file(CHMOD ${home}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE) # as Qt wants it
     add_test(NAME ${test} COMMAND ${target} WORKING_DIRECTORY ${home})
     set_tests_properties(${test} PROPERTIES
         LABELS "${folder};${arg_LABELS}"
