@@ -13,7 +13,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 imagery="${CORVANE_IMAGERY:-/usr/share/marble/data/maps/earth}"
-needed_megabytes=3072 # the set takes 850 MB, some more while it is made
+needed_megabytes=3072 # the set takes 1.1 GB, some more while it is made
 
 mode=standard
 folder=

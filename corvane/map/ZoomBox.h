@@ -24,7 +24,7 @@ public:
     void setRect(int x0, int y0, int x1, int y1);
 
 private:
-    void* owner = nullptr;
+    [[maybe_unused]] void* owner = nullptr;
     int x0 = -1;
     int y0 = -1;
     int x1 = -1;
