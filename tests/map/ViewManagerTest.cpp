@@ -299,7 +299,12 @@ void ViewManagerTest::theAspectRuleGrowsTheWorld_data()
     QTest::newRow("a rectangle of the device's shape is kept")
         << square << Extents{10, 30, 30, 10} << Extents{10, 30, 30, 10};
     QTest::newRow("a shape within the tolerance is kept")
-        << square << Extents{0, 1, 1 + 1.1e-7, 0} << Extents{0, 1, 1 + 1.1e-7, 0};
+        << square << Extents{0, 1, 1 + 1.15e-7, 0} << Extents{0, 1, 1 + 1.15e-7, 0};
+    const double wide = 1 + 1.25e-7;
+    const double below = wide / -1.0 + 1.0;
+    const double half = 0.5 * std::fabs(below);
+    QTest::newRow("a shape just beyond the tolerance grows")
+        << square << Extents{0, 1, wide, 0} << Extents{0, 1 + half, wide, below + half};
     QTest::newRow("a wide world across zero grows about its centre")
         << square << Extents{-180, 90, 180, -90} << Extents{-180, 180, 180, -180};
     QTest::newRow("a wide world with its bottom at zero grows about its centre")
@@ -746,8 +751,10 @@ void ViewManagerTest::zoomScalesOncePerPixelAboutThePress_data()
     QTest::addColumn<int>("dy");
     QTest::newRow("one pixel upward widens") << -1;
     QTest::newRow("three pixels upward widen thrice") << -3;
+    QTest::newRow("many pixels upward widen step by step, to the last bit") << -100;
     QTest::newRow("one pixel downward narrows") << 1;
     QTest::newRow("twelve pixels downward narrow twelve times") << 12;
+    QTest::newRow("many pixels downward narrow step by step, to the last bit") << 100;
     QTest::newRow("sideways only keeps the scale") << 0;
 }
 
@@ -774,11 +781,13 @@ void ViewManagerTest::zoomScalesOncePerPixelAboutThePress()
     QCOMPARE(extentsOf(manager), scaled);
     QCOMPARE(client.log.size(), 1);
 
-    // the next step begins at 1 again: no movement keeps the width
-    const double width = scaled[2] - scaled[0];
-    manager.pointerMove(20, 32 + dy);
+    // the next step begins at 1 again, and about the press again
+    manager.pointerMove(70, 32 + dy - 1);
     const Extents after = extentsOf(manager);
-    QVERIFY(std::fabs(after[2] - after[0] - width) < 1e-12);
+    const double width = (scaled[2] - scaled[0]) * 1.015;
+    QVERIFY(std::fabs(after[2] - after[0] - width) < 1e-9);
+    QVERIFY(std::fabs(toWorld(manager, 96, 32).x() - 32.0) < 1e-9);
+    QVERIFY(std::fabs(toWorld(manager, 96, 32).y() - 32.0) < 1e-9);
     QCOMPARE(client.log.size(), 2);
 }
 
