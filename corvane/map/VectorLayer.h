@@ -10,7 +10,7 @@ class QGradient;
 
 namespace Corvane::Map {
 
-/// A layer drawn with a pen and a brush, with helpers that turn both into XML and back.
+/// A layer drawn with a pen and a brush, and the functions that turn both into XML and back.
 class CORVANE_EXPORT VectorLayer : public Layer
 {
     Q_OBJECT
