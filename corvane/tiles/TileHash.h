@@ -97,12 +97,10 @@ public:
     /// What the hash holds at this moment.
     std::vector<Entry> snapshot() const
     {
-        QHash<QString, T*> copied;
-        {
-            const std::lock_guard<std::mutex> guard(mutex); // guards entries
-            copied = entries;
-        }
-        return toVector(copied);
+        // Listed under the mutex: a copy that shares its data with entries would not order its
+        // reads before the next insertion.
+        const std::lock_guard<std::mutex> guard(mutex); // guards entries
+        return toVector(entries);
     }
 
     /// Passes through the mutex: from here on this thread sees what the others wrote before
