@@ -3,6 +3,7 @@
 #include <corvane/map/MapView.h>
 #include <corvane/map/RasterLayer.h>
 
+#include <QCoreApplication>
 #include <QLocale>
 #include <QRegularExpression>
 
@@ -44,7 +45,11 @@ QString cellText(Map::Layer* layer, double unitsPerPixel)
 {
     const auto raster = qobject_cast<Map::RasterLayer*>(layer);
     const double cell = raster ? std::abs(raster->getCellSizeX()) : 0.0;
-    return cell > 0.0 ? percentText(100.0 * cell / unitsPerPixel) + " %" : QString();
+    if (cell <= 0.0) {
+        return QString();
+    }
+    return QCoreApplication::translate("MapUnits", "zoom %1 %")
+        .arg(percentText(100.0 * cell / unitsPerPixel));
 }
 
 } // namespace

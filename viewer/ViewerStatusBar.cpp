@@ -26,9 +26,11 @@ constexpr int labelMargin = 6;
 ViewerStatusBar::ViewerStatusBar(QWidget* parent)
     : QStatusBar(parent),
       coordinates(addLabel("coordinates", QStringLiteral("X: 0000000.000  Y: 0000000.000"))),
-      scale(addLabel("scale", QStringLiteral("1 px = 0.000123°   10,000 %"))),
+      scale(addLabel("scale", QStringLiteral("1 px = 0.000123°   zoom 10,000 %"))),
       progress(new LoadProgress(this))
 {
+    addWidget(coordinates);
+    addPermanentWidget(scale);
     addProgressBar();
     connect(progress, &LoadProgress::changed, this, &ViewerStatusBar::showProgress);
 }
@@ -40,7 +42,6 @@ QLabel* ViewerStatusBar::addLabel(const QString& name, const QString& widestText
     label->setMinimumWidth(label->fontMetrics().horizontalAdvance(widestText) + 2 * labelMargin);
     label->setContentsMargins(labelMargin, 0, labelMargin, 0);
     label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    addPermanentWidget(label);
     return label;
 }
 

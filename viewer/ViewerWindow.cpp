@@ -79,8 +79,12 @@ ViewerWindow::~ViewerWindow()
 
 void ViewerWindow::openFiles(const QStringList& sources)
 {
+    const bool together = sources.size() > 1 && area->subWindowList().isEmpty();
     for (const QString& source : sources) {
         addMapWindow()->open(source);
+    }
+    if (together) {
+        area->tileSubWindows(); // before they are open, so that each map fits its place
     }
 }
 

@@ -24,7 +24,8 @@ public:
     explicit ViewerWindow(QWidget* parent = nullptr);
     ~ViewerWindow() override;
 
-    /// Opens each source in a map window of its own. Returns before they are open.
+    /// Opens each source in a map window of its own, side by side if they are the first. Returns
+    /// before they are open.
     void openFiles(const QStringList& sources);
     /// Opens the sources as layers of a map window; null makes one.
     void addFiles(const QStringList& sources, MapWindow* window);

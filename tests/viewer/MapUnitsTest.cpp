@@ -136,11 +136,11 @@ void MapUnitsTest::scaleSaysWhatIsHonest_data()
     QTest::addColumn<QString>("text");
 
     // 1 m a pixel at 96 dots per inch: 96 / 0.0254
-    QTest::newRow("metres give a scale") << utm << 1.0 << 400.0 << "1 : 3,780   100 %";
-    QTest::newRow("feet are turned to metres") << feet << 0.5 << 400.0 << "1 : 1,152   50 %";
+    QTest::newRow("metres give a scale") << utm << 1.0 << 400.0 << "1 : 3,780   zoom 100 %";
+    QTest::newRow("feet are turned to metres") << feet << 0.5 << 400.0 << "1 : 1,152   zoom 50 %";
     QTest::newRow("degrees give the size of a pixel")
-        << "GEOGCS[\"WGS 84\"]" << 0.0125 << 4.0 << QString::fromUtf8("1 px = 0.01°   125 %");
-    QTest::newRow("no reference leaves the size of a cell") << "" << 1.0 << 32000.0 << "1.3 %";
+        << "GEOGCS[\"WGS 84\"]" << 0.0125 << 4.0 << QString::fromUtf8("1 px = 0.01°   zoom 125 %");
+    QTest::newRow("no reference leaves the size of a cell") << "" << 1.0 << 32000.0 << "zoom 1.3 %";
     QTest::newRow("a layer without cells leaves nothing") << "" << 0.0 << 400.0 << "";
 }
 

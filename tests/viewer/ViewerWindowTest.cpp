@@ -45,6 +45,8 @@ private slots:
     void cleanup();
 
     void eachFileOpensInAWindowOfItsOwn();
+    void theFirstFilesStandSideBySide();
+    void aSingleFileFillsTheArea();
     void theOpenActionOpensWhatIsChosen();
     void theAddLayerActionAddsToTheActiveMap();
     void aDropOntoAMapAddsALayer();
@@ -210,6 +212,22 @@ void ViewerWindowTest::eachFileOpensInAWindowOfItsOwn()
     const QRectF bounds = mapWindows()[0]->getView()->getBounds();
     QVERIFY(bounds.left() <= 500000.0 && bounds.right() >= 502048.0);
     QVERIFY(bounds.top() >= 4650000.0 && bounds.bottom() <= 4648464.0);
+}
+
+void ViewerWindowTest::theFirstFilesStandSideBySide()
+{
+    window->openFiles({path("metres.tif"), path("degrees.tif")});
+    const QRect first = mapWindows()[0]->geometry();
+    const QRect second = mapWindows()[1]->geometry();
+    QVERIFY(!first.intersects(second));
+    openMap("metres.tif"); // a later one leaves them where they are
+    QCOMPARE(mapWindows()[0]->geometry(), first);
+    QCOMPARE(mapWindows()[1]->geometry(), second);
+}
+
+void ViewerWindowTest::aSingleFileFillsTheArea()
+{
+    QVERIFY(openMap("metres.tif")->isMaximized());
 }
 
 void ViewerWindowTest::theOpenActionOpensWhatIsChosen()
