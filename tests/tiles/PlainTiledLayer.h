@@ -93,12 +93,7 @@ public:
     double getWorldPerPixelX() override { return worldPerPixelX; }
     double getWorldPerPixelY() override { return worldPerPixelY; }
     QRectF getBounds() override { return bounds; }
-    void tileReady(Corvane::Map::ITileRequest* request) override
-    {
-        results.add(QStringLiteral("ready ") + request->getKey());
-        levels.value(static_cast<int>(request->getLayerLevel()))
-            ->addTile(request->getKey(), request->getImage());
-    }
+    void tileReady(Corvane::Map::ITileRequest* request) override;
     void tileFailed(Corvane::Map::ITileRequest* request) override
     {
         results.add(QStringLiteral("failed ") + request->getKey());
@@ -135,7 +130,11 @@ public:
           plainLayer(source)
     {
     }
-    ~PlainTileRequest() override { ++plainLayer->requestsDeleted; }
+    ~PlainTileRequest() override
+    {
+        delete undelivered;
+        ++plainLayer->requestsDeleted;
+    }
 
     bool processTile() override
     {
@@ -147,11 +146,16 @@ public:
             return false;
         }
         image = newTile(plainLayer->tileSize, tileColour(level, x, y), tlx, tly, brx, bry);
+        undelivered = image;
         return true;
     }
 
+    void markDelivered() { undelivered = nullptr; }
+
 private:
     PlainTiledLayer* plainLayer;
+    // owned: the tile of a request that was cancelled between the making and the delivery
+    Corvane::GeoImage* undelivered = nullptr;
 };
 
 inline Corvane::Map::ITileRequest*
@@ -169,4 +173,12 @@ PlainTiledLayer::createTileRequest(const QString& key, const QString& url, unsig
                   .arg(brx)
                   .arg(bry));
     return new PlainTileRequest(this, key, level, tx, ty, tlx, tly, brx, bry);
+}
+
+inline void PlainTiledLayer::tileReady(Corvane::Map::ITileRequest* request)
+{
+    results.add(QStringLiteral("ready ") + request->getKey());
+    static_cast<PlainTileRequest*>(request)->markDelivered();
+    levels.value(static_cast<int>(request->getLayerLevel()))
+        ->addTile(request->getKey(), request->getImage());
 }
