@@ -165,14 +165,15 @@ void MapViewTest::hasTheWidgetAttributesOfAnOpaquePicture()
     QCOMPARE(view.parentWidget(), &parent);
     QCOMPARE(view.windowFlags() & Qt::WindowType_Mask, Qt::WindowFlags(Qt::Tool));
     QVERIFY(!view.autoFillBackground());
-    parent.setBackgroundRole(QPalette::Highlight);
-    QCOMPARE(view.backgroundRole(), QPalette::Highlight); // it has no role of its own
     QVERIFY(view.testAttribute(Qt::WA_DeleteOnClose));
     QVERIFY(view.testAttribute(Qt::WA_OpaquePaintEvent));
     QCOMPARE(view.focusPolicy(), Qt::WheelFocus);
     QVERIFY(!view.hasMouseTracking());
     QCOMPARE(view.sizeHint(), QSize(400, 400));
     QCOMPARE(view.minimumSizeHint(), QSize(100, 100));
+
+    parent.setBackgroundRole(QPalette::Highlight);
+    QCOMPARE(MapView(&parent).backgroundRole(), QPalette::Highlight); // none of its own
 }
 
 void MapViewTest::fitsTheFirstExtentsToItsSize()
