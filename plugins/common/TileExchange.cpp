@@ -16,6 +16,19 @@ void TileExchange::setWanted(std::vector<TileRange> ranges)
 {
     const std::lock_guard<std::mutex> guard(mutex);
     wanted = std::move(ranges);
+    asking = true;
+}
+
+void TileExchange::endAsking()
+{
+    const std::lock_guard<std::mutex> guard(mutex);
+    asking = false;
+    askingEnded.notify_all();
+}
+
+void TileExchange::waitForAsking(std::unique_lock<std::mutex>& guard)
+{
+    askingEnded.wait(guard, [this] { return !asking; });
 }
 
 void TileExchange::ask(const TileId& tile)
@@ -42,7 +55,8 @@ std::vector<TileId> TileExchange::owedInRow(const TileId& tile)
 {
     std::vector<TileId> row;
     {
-        const std::lock_guard<std::mutex> guard(mutex);
+        std::unique_lock<std::mutex> guard(mutex);
+        waitForAsking(guard);
         for (const TileId& other : asked) {
             if (other.level == tile.level && other.y == tile.y && isWanted(other)) {
                 row.push_back(other);
@@ -100,7 +114,8 @@ bool TileExchange::startReadingRuns()
 
 bool TileExchange::nextRun(std::uint32_t levels, TileId* tile)
 {
-    const std::lock_guard<std::mutex> guard(mutex);
+    std::unique_lock<std::mutex> guard(mutex);
+    waitForAsking(guard);
     bool found = false;
     for (auto entry = asked.begin(); entry != asked.end();) {
         if ((levels >> entry->level & 1U) == 0U) {
@@ -128,7 +143,9 @@ void TileExchange::cancel()
         asked.clear();
         wanted.clear();
         dropped.swap(delivered);
+        asking = false;
         news.notify_all();
+        askingEnded.notify_all();
     }
 }
 

@@ -33,8 +33,10 @@ public:
     TileExchange(const TileExchange&) = delete;
     TileExchange& operator=(const TileExchange&) = delete;
 
-    /// What the view wants from now on. On the layer's thread, before the tiles are asked for.
+    /// What the view wants from now on. On the layer's thread, before the tiles are asked for. Until
+    /// endAsking whoever reads runs waits: the rows are not complete.
     void setWanted(std::vector<TileRange> ranges);
+    void endAsking();
     /// A request for the tile was made. On the layer's thread.
     void ask(const TileId& tile);
     /// Whether the tile is still to be brought; one that is no longer wanted is forgotten.
@@ -69,13 +71,16 @@ public:
 
 private:
     bool isWanted(const TileId& tile) const;
+    void waitForAsking(std::unique_lock<std::mutex>& guard);
 
     std::atomic<bool> cancelled{false};
     mutable std::mutex mutex; // guards what follows
     std::condition_variable news;
+    std::condition_variable askingEnded;
     std::vector<TileRange> wanted;
     std::unordered_set<TileId, TileIdHash> asked;
     std::vector<DeliveredTile> delivered;
+    bool asking = false;
     bool readingRuns = false;
     bool viewAsked = false;
 };

@@ -24,6 +24,9 @@ namespace {
 
 constexpr int restMilliseconds = 100; // without a new view, after which the full level is fetched
 constexpr int waitSliceMilliseconds = 100;
+// Levels from the view's own to the coarsest below which fetching that one first is not worth it:
+// it would come hardly sooner than the view itself.
+constexpr unsigned int leastUnderlayDistance = 2;
 
 bool isIn(const TileRange& range, const TileId& tile)
 {
@@ -173,9 +176,10 @@ void TiledView::request(bool roaming)
         owesFullLevel = true;
         requestCoarser();
         roamTimer.start();
-        return;
+    } else {
+        levels->setView(width, height, tlx, tly, brx, bry);
     }
-    levels->setView(width, height, tlx, tly, brx, bry);
+    exchange->endAsking();
     if (!progressive) {
         waitForView();
     }
@@ -201,7 +205,8 @@ void TiledView::requestCoarser()
 
 void TiledView::requestUnderlay()
 {
-    if (coarsestIsCheap && underlay.level != chosen.level && shelf.countMissing(underlay) > 0) {
+    const bool helps = underlay.level >= chosen.level + leastUnderlayDistance;
+    if (coarsestIsCheap && helps && shelf.countMissing(underlay) > 0) {
         levels->at(static_cast<int>(underlay.level))->setView(tlx, tly, brx, bry);
     }
 }

@@ -21,10 +21,11 @@ constexpr GIntBig mebibyte = 1 << 20;
 // Small blocks are decoded once, so a larger cache only costs: 8 threads decode about a third more
 // JPEG tiles a second with it than with GDAL's own default of a twentieth of the memory.
 constexpr GIntBig blockCacheBytes = 16 * mebibyte;
-// A run of tiles over strips reads whole rows: what does not stay is inflated again.
-constexpr int cachedStripRows = 4;
-constexpr GIntBig leastStripCacheBytes = 64 * mebibyte;
-constexpr GIntBig mostStripCacheBytes = 512 * mebibyte;
+// A run of tiles over strips reads whole rows, and a reduced read comes back for each band: what
+// does not stay is inflated again.
+constexpr int cachedReads = 4;
+constexpr GIntBig leastLargeCache = 64 * mebibyte;
+constexpr GIntBig mostLargeCache = 512 * mebibyte;
 
 constexpr std::chrono::seconds longestWaitAtExit(30);
 
@@ -60,20 +61,20 @@ private:
 
 Activities activities;
 
-std::mutex cacheMutex; // guards stripRows and the calls that follow from it
-std::multiset<qint64>& stripRows()
+std::mutex cacheMutex; // guards wantedBytes and the calls that follow from it
+std::multiset<qint64>& wantedBytes()
 {
-    static std::multiset<qint64> rows;
-    return rows;
+    static std::multiset<qint64> all;
+    return all;
 }
 
 void applyCacheSize()
 {
-    const auto& rows = stripRows();
-    const qint64 largest = rows.empty() ? 0 : *rows.rbegin();
-    const GIntBig strips =
-        std::clamp<GIntBig>(largest * cachedStripRows, leastStripCacheBytes, mostStripCacheBytes);
-    GDALSetCacheMax64(largest > 0 ? strips : blockCacheBytes);
+    const auto& all = wantedBytes();
+    const qint64 largest = all.empty() ? 0 : *all.rbegin();
+    const GIntBig large =
+        std::clamp<GIntBig>(largest * cachedReads, leastLargeCache, mostLargeCache);
+    GDALSetCacheMax64(largest > 0 ? large : blockCacheBytes);
 }
 
 void setOption(const char* name, const char* value)
@@ -201,18 +202,18 @@ DatasetPointer openDataset(const QString& name, bool remote, QString* error)
     return dataset;
 }
 
-BlockCacheShare::BlockCacheShare(qint64 bytes) : rowBytes(bytes)
+BlockCacheShare::BlockCacheShare(qint64 bytes) : wanted(bytes)
 {
     const std::lock_guard<std::mutex> guard(cacheMutex);
-    stripRows().insert(rowBytes);
+    wantedBytes().insert(wanted);
     applyCacheSize();
 }
 
 BlockCacheShare::~BlockCacheShare()
 {
     const std::lock_guard<std::mutex> guard(cacheMutex);
-    auto& rows = stripRows();
-    rows.erase(rows.find(rowBytes));
+    auto& all = wantedBytes();
+    all.erase(all.find(wanted));
     applyCacheSize();
 }
 

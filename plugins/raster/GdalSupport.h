@@ -63,19 +63,19 @@ QString gdalName(const QString& dataSource);
 /// An open dataset, read-only; null with the reason in error. Any thread; may take long.
 DatasetPointer openDataset(const QString& name, bool remote, QString* error);
 
-/// The size of GDAL's block cache follows the sources that are open: small for sources in blocks,
-/// several rows of strips for the others. One of these stands for one open source. Any thread.
+/// The size of GDAL's block cache follows the sources that are open: small for sources in blocks
+/// that make tiles, several reads' worth for the others. One of these stands for one open source. Any thread.
 class BlockCacheShare
 {
 public:
-    /// rowBytes: the bytes of the widest row of tiles that is read in strips, 0 without strips.
-    explicit BlockCacheShare(qint64 rowBytes);
+    /// The bytes that one read wants to find again; 0 where tiles are made of whole blocks.
+    explicit BlockCacheShare(qint64 bytes);
     ~BlockCacheShare();
     BlockCacheShare(const BlockCacheShare&) = delete;
     BlockCacheShare& operator=(const BlockCacheShare&) = delete;
 
 private:
-    qint64 rowBytes;
+    qint64 wanted;
 };
 
 } // namespace Corvane::Map

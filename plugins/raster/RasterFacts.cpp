@@ -229,6 +229,20 @@ QString BandFacts::name() const
     return QString::fromUtf8(GDALGetColorInterpretationName(meaning));
 }
 
+int RasterFacts::pixelBytes() const
+{
+    int bytes = 0;
+    for (const BandFacts& band : bands) {
+        bytes += GDALGetDataTypeSizeBytes(band.type);
+    }
+    return bytes;
+}
+
+bool RasterFacts::lacksOverviews() const
+{
+    return levels[1].overview < 0 && std::min(size.width(), size.height()) >= 2 * int(tileSize) + 2;
+}
+
 std::uint32_t RasterFacts::stripLevels() const
 {
     std::uint32_t bits = 0;

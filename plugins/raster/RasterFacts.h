@@ -64,6 +64,10 @@ struct RasterFacts
     QString coordSysName;
     int epsg = 0;
 
+    /// Bytes of one pixel over all bands.
+    int pixelBytes() const;
+    /// Whether a level is read by reducing the full image.
+    bool lacksOverviews() const;
     /// Bits of the levels that are read in strips.
     std::uint32_t stripLevels() const;
 };

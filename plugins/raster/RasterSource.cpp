@@ -13,20 +13,17 @@ namespace Corvane::Map {
 
 namespace {
 
-// Of the widest row of tiles that is read in strips, 0 without strips.
-qint64 stripRowBytes(const RasterFacts& facts)
+// What reads of neighbouring tiles want to find in the cache: the widest row of tiles in strips,
+// and slices of reduced reads, several at once. 0 where whole blocks make tiles.
+qint64 wantedCache(const RasterFacts& facts)
 {
-    qint64 bytes = 0;
+    constexpr qint64 reducedReads = 32 << 20;
+    qint64 bytes = facts.lacksOverviews() ? reducedReads : 0;
     for (const LevelFacts& level : facts.levels) {
-        if (!level.inStrips) {
-            continue;
+        if (level.inStrips) {
+            const qint64 rows = std::max<qint64>(facts.tileSize, facts.blockSize.height());
+            bytes = std::max(bytes, level.sourceSize.width() * rows * facts.pixelBytes());
         }
-        qint64 pixelBytes = 0;
-        for (const BandFacts& band : facts.bands) {
-            pixelBytes += GDALGetDataTypeSizeBytes(band.type);
-        }
-        const qint64 rows = std::max<qint64>(facts.tileSize, facts.blockSize.height());
-        bytes = std::max(bytes, level.sourceSize.width() * rows * pixelBytes);
     }
     return bytes;
 }
@@ -52,7 +49,7 @@ RasterSource::RasterSource(QString source, const QString& name, bool remote,
     : dataSource(std::move(source)),
       theFacts(readFacts(first->original.get(), first->shown())),
       handles(name, remote, std::move(first)),
-      cacheShare(std::make_unique<BlockCacheShare>(stripRowBytes(theFacts)))
+      cacheShare(std::make_unique<BlockCacheShare>(wantedCache(theFacts)))
 {
     for (std::size_t i = 0; i < theFacts.bands.size(); ++i) {
         stretches.push_back(std::make_unique<BandStretch>());

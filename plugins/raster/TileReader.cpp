@@ -16,6 +16,7 @@ static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "bands are read into the bytes of
 namespace {
 
 constexpr int pixelBytes = 4;
+constexpr qint64 sliceBytes = 8 << 20; // of a reduced read; the block cache holds several
 constexpr QRgb opaqueWhite = 0xffffffffU;
 
 std::size_t area(const QSize& size)
@@ -37,9 +38,13 @@ int toGrey(double value, const StretchRange& range)
 struct TileReader::Window
 {
     const LevelFacts* facts;
+    unsigned int level;
     QSize size;   // of the picture
     QRect source; // in the pixels of what is read
     QRect full;   // the same in full resolution, where masks may have to be read
+
+    // How many pixels of what is read make one of the picture, both ways.
+    int reduction() const { return facts->overview < 0 ? 1 << level : 1; }
 };
 
 // Distances in the buffer, in bytes; all bands in one block.
@@ -119,7 +124,7 @@ TileReader::Window TileReader::windowFor(unsigned int level, const QRect& pixels
     const auto scaled = [level](int pixel, int limit) {
         return static_cast<int>(std::min<qint64>(qint64{pixel} << level, limit));
     };
-    Window window{&facts.levels[level], pixels.size(), pixels, QRect()};
+    Window window{&facts.levels[level], level, pixels.size(), pixels, QRect()};
     const int left = scaled(pixels.left(), facts.size.width() - 1);
     const int top = scaled(pixels.top(), facts.size.height() - 1);
     window.full =
@@ -146,7 +151,38 @@ int TileReader::goOn(double, const char*, void* reader)
     return stop ? FALSE : TRUE;
 }
 
+// A reduced read that GDAL resamples band by band must find its blocks in the cache for each of
+// them: it is taken in slices of whole rows of the picture that fit.
 bool TileReader::readBands(const Window& window, const RasterHandle& handle,
+                           const std::vector<int>& bands, GDALDataType type, void* buffer,
+                           const Layout& layout) const
+{
+    const int height = window.size.height();
+    int rows = height;
+    const int factor = window.reduction();
+    if (factor > 1) {
+        const qint64 rowBytes =
+            qint64{window.source.width()} * factor * theSource->facts().pixelBytes();
+        rows = static_cast<int>(std::clamp<qint64>(sliceBytes / rowBytes, 1, height));
+    }
+    for (int first = 0; first < height; first += rows) {
+        Window slice = window;
+        slice.size.setHeight(std::min(rows, height - first));
+        if (factor > 1) {
+            slice.source.setTop(window.source.top() + first * factor);
+            slice.source.setHeight(
+                std::min(slice.size.height() * factor, window.source.height() - first * factor));
+        }
+        if (!readSlice(slice, handle, bands, type,
+                       static_cast<unsigned char*>(buffer) + first * layout.line, layout))
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool TileReader::readSlice(const Window& window, const RasterHandle& handle,
                            const std::vector<int>& bands, GDALDataType type, void* buffer,
                            const Layout& layout) const
 {
@@ -154,8 +190,7 @@ bool TileReader::readBands(const Window& window, const RasterHandle& handle,
     INIT_RASTERIO_EXTRA_ARG(extra);
     extra.pfnProgress = &TileReader::goOn;
     extra.pProgressData = const_cast<TileReader*>(this);
-    const bool reduces = window.source.size() != window.size;
-    if (reduces && window.facts->overview < 0 && plan.look != BandPlan::Look::Palette) {
+    if (window.reduction() > 1 && plan.look != BandPlan::Look::Palette) {
         extra.eResampleAlg = GRIORA_Average;
     }
     const QRect& from = window.source;

@@ -44,6 +44,8 @@ private:
     Window windowFor(unsigned int level, const QRect& pixels) const;
     bool readBands(const Window& window, const RasterHandle& handle, const std::vector<int>& bands,
                    GDALDataType type, void* buffer, const Layout& layout) const;
+    bool readSlice(const Window& window, const RasterHandle& handle, const std::vector<int>& bands,
+                   GDALDataType type, void* buffer, const Layout& layout) const;
     bool readByteColour(const Window& window, const RasterHandle& handle, QImage& image) const;
     bool readIndexed(const Window& window, const RasterHandle& handle, QImage& image) const;
     template <typename Value>
