@@ -74,6 +74,10 @@ GdalRasterLayer::~GdalRasterLayer()
 
 bool GdalRasterLayer::setDataSource(QString newSource)
 {
+    static const QString objectStore = QStringLiteral("/vsis3/");
+    if (newSource.startsWith(objectStore)) { // kept in the form that people know
+        newSource.replace(0, objectStore.size(), QStringLiteral("s3://"));
+    }
     if (newSource == dataSource && (source || opening)) {
         return true; // documents name a source twice
     }

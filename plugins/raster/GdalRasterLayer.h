@@ -122,6 +122,9 @@ public:
     /// What is known of the open source, null without one.
     const RasterFacts* facts() const;
 
+    /// The tiles in memory.
+    const TileShelf& tiles() const { return view.tiles(); }
+
 signals:
     /// A source that was opening in the background is open, or has failed.
     void sourceOpened(bool ok);

@@ -13,6 +13,7 @@
 
 #include <QAction>
 #include <QDir>
+#include <QLoggingCategory>
 #include <QPluginLoader>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -172,6 +173,7 @@ void RasterPluginFileTest::aMapViewShowsAFile()
 
 int main(int argc, char** argv)
 {
+    QLoggingCategory::setFilterRules("corvane.tiles.debug=false");
     Application application(argc, argv, "RasterPluginFileTest");
     RasterPluginFileTest test;
     return QTest::qExec(&test, argc, argv);
