@@ -6,7 +6,9 @@
 #include <corvane/map/Layer.h>
 #include <corvane/map/MapView.h>
 
+#include <QAction>
 #include <QIcon>
+#include <QMenu>
 
 namespace Corvane::Viewer {
 
@@ -18,6 +20,10 @@ MapWindow::MapWindow(QWidget* parent)
     setObjectName("mapWindow");
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowIcon(QIcon(":/resources/icons/24x24/document_view.png"));
+    // Its own key for closing would make that of the program's Close ambiguous.
+    for (QAction* action : systemMenu()->actions()) {
+        action->setShortcuts(QList<QKeySequence>());
+    }
     setWidget(view);
     connect(view, &QObject::destroyed, this, &MapWindow::onViewDestroyed);
 }

@@ -8,6 +8,9 @@
 
 #include <corvane/core/Application.h>
 
+#include <QSettings>
+#include <QThreadPool>
+
 #include <cstdio>
 
 using namespace Corvane;
@@ -16,6 +19,7 @@ using namespace Corvane::Viewer;
 namespace {
 
 const char* const programName = "Corvane Viewer";
+constexpr int longestFarewellMilliseconds = 3000;
 
 void print(const QByteArray& text)
 {
@@ -44,12 +48,24 @@ int printInfo(const ViewerOptions& options)
     return code;
 }
 
-int showWindow(const ViewerOptions& options)
+int runWindow(const ViewerOptions& options)
 {
     ViewerWindow window;
     window.show();
     window.openFiles(options.files);
     return QCoreApplication::exec();
+}
+
+/// A read that hangs in a server does not keep the program alive behind its closed window; a
+/// picture that is being saved has this time to be finished.
+int showWindow(const ViewerOptions& options)
+{
+    const int code = runWindow(options);
+    if (!QThreadPool::globalInstance()->waitForDone(longestFarewellMilliseconds)) {
+        Application::instance()->getSettings()->sync();
+        endNow(code);
+    }
+    return code;
 }
 
 int run(const ViewerOptions& options)

@@ -74,6 +74,7 @@ private slots:
     void aFullScreenMapThatIsClosedTakesItsWindowAlong();
     void theWindowMenuNamesTheMaps();
     void closingTheLastWindowLeavesTheProgram();
+    void shortcutsReachTheirActions();
     void theLayoutIsKeptBetweenRuns();
 
 private:
@@ -609,6 +610,29 @@ void ViewerWindowTest::closingTheLastWindowLeavesTheProgram()
     QVERIFY(!action("actionZoomIn")->isEnabled());
     QCOMPARE(statusText("scale"), QString());
     QVERIFY(window->isVisible());
+}
+
+void ViewerWindowTest::shortcutsReachTheirActions()
+{
+    MapWindow* first = openMap("metres.tif");
+    MapWindow* second = openMap("degrees.tif");
+    QWindow* handle = window->windowHandle();
+    const auto width = [](MapWindow* map) { return map->getView()->getBounds().width(); };
+    const double all = width(second);
+    QTest::keyClick(handle, Qt::Key_Plus, Qt::ControlModifier);
+    QCOMPARE(width(second), all / 2.0);
+    QTest::keyClick(handle, Qt::Key_Minus, Qt::ControlModifier);
+    QCOMPARE(width(second), all);
+    QTest::keyClick(handle, Qt::Key_Tab, Qt::ControlModifier);
+    QCOMPARE(window->getActiveMapWindow(), first);
+
+    // the sub windows have a shortcut of their own to close them
+    QTest::keyClick(handle, Qt::Key_W, Qt::ControlModifier);
+    QTRY_COMPARE(mapWindows(), QList<MapWindow*>{second});
+    QTest::keyClick(handle, Qt::Key_W, Qt::ControlModifier);
+    QTRY_VERIFY(mapWindows().isEmpty());
+    QTest::keyClick(handle, Qt::Key_Q, Qt::ControlModifier);
+    QVERIFY(!window->isVisible());
 }
 
 void ViewerWindowTest::theLayoutIsKeptBetweenRuns()
