@@ -25,7 +25,8 @@ MapWindow::MapWindow(QWidget* parent)
         action->setShortcuts(QList<QKeySequence>());
     }
     setWidget(view);
-    connect(view, &QObject::destroyed, this, &MapWindow::onViewDestroyed);
+    // queued: while the signal runs half a view is left, which nobody may reach through this window
+    connect(view, &QObject::destroyed, this, &MapWindow::onViewDestroyed, Qt::QueuedConnection);
 }
 
 MapWindow::~MapWindow()

@@ -237,7 +237,7 @@ void ViewerWindow::showAbout()
 
 void ViewerWindow::createToolBar()
 {
-    QToolBar* bar = addToolBar(tr("Map"));
+    QToolBar* bar = addToolBar(tr("Tool Bar"));
     bar->setObjectName("mapToolBar");
     bar->setIconSize(toolIconSize);
     bar->addActions({openAction, addLayerAction, commands->getSnapshotAction()});
