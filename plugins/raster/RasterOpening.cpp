@@ -8,6 +8,7 @@
 #include <QThreadPool>
 
 #include <chrono>
+#include <deque>
 #include <utility>
 
 namespace Corvane::Map {
@@ -15,6 +16,23 @@ namespace Corvane::Map {
 namespace {
 
 constexpr int priority = 1; // before the tiles, which have 0
+
+// The openings that no thread has taken up. They pass through our own mutex instead of the pool's
+// queue, whose hand-over a thread sanitizer does not see.
+std::mutex waitingMutex; // guards waiting
+std::deque<std::shared_ptr<RasterOpening>>& waiting()
+{
+    static std::deque<std::shared_ptr<RasterOpening>> openings;
+    return openings;
+}
+
+std::shared_ptr<RasterOpening> takeWaiting()
+{
+    const std::lock_guard<std::mutex> guard(waitingMutex);
+    std::shared_ptr<RasterOpening> next = std::move(waiting().front());
+    waiting().pop_front();
+    return next;
+}
 
 } // namespace
 
@@ -26,7 +44,11 @@ RasterOpening::RasterOpening(GdalRasterLayer* rasterLayer, QString toOpen)
 
 void RasterOpening::start()
 {
-    QThreadPool::globalInstance()->start([self = shared_from_this()] { self->open(); }, priority);
+    {
+        const std::lock_guard<std::mutex> guard(waitingMutex);
+        waiting().push_back(shared_from_this());
+    }
+    QThreadPool::globalInstance()->start([] { takeWaiting()->open(); }, priority);
 }
 
 // On a pool thread.

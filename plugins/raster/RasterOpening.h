@@ -22,6 +22,8 @@ public:
     RasterOpening(GdalRasterLayer* layer, QString dataSource);
 
     void start();
+    /// On a pool thread.
+    void open();
     /// Whether it has ended, after waiting for it; a negative time waits without end.
     bool waitFor(int milliseconds);
     /// Once it has ended: the source, or null with the reason in error.
@@ -33,8 +35,6 @@ public:
     void abandon();
 
 private:
-    void open();
-
     GdalRasterLayer* layer; // not owned; touched inside the lifeline only
     QString dataSource;
     LayerLifeline lifeline;

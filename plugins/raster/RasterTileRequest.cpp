@@ -5,6 +5,7 @@
 #include <plugins/raster/RasterTileLoader.h>
 
 #include <corvane/map/GeoImage.h>
+#include <corvane/tiles/TileRequestRegistry.h>
 
 #include <utility>
 
@@ -26,6 +27,7 @@ RasterTileRequest::RasterTileRequest(GdalRasterLayer* rasterLayer,
 // the way of a new one for the same tile until its key left the registry: that is told here.
 void RasterTileRequest::run()
 {
+    TileRequestRegistry::instance().synchronize(); // with the thread that made the request
     const GdalActivity activity;
     loader = link.lock();
     if (!loader) {

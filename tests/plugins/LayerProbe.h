@@ -9,8 +9,9 @@
 #include <corvane/tiles/LayerLevel.h>
 
 #include <QImage>
-#include <QMutex>
 #include <QStringList>
+
+#include <mutex>
 
 namespace Corvane::Tests {
 
@@ -22,19 +23,19 @@ public:
     ~LogLines() { Application::installLogMessageHandler(nullptr); }
     void logMessage(const QString& message, LogLevel, const QDateTime&) override
     {
-        const QMutexLocker lock(&mutex);
+        const std::lock_guard<std::mutex> guard(mutex);
         lines.append(message);
     }
     void setLogLevel(LogLevel) override {}
     LogLevel getLogLevel() override { return LogLevel::Debug; }
     QStringList holding(const QString& part) const
     {
-        const QMutexLocker lock(&mutex);
+        const std::lock_guard<std::mutex> guard(mutex);
         return lines.filter(part);
     }
 
 private:
-    mutable QMutex mutex;
+    mutable std::mutex mutex; // guards lines
     QStringList lines;
 };
 

@@ -1,80 +1,88 @@
 #pragma once
 
 #include <QByteArray>
-#include <QMutex>
+#include <QEventLoop>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QThread>
-#include <QWaitCondition>
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+#include <utility>
 
 namespace Corvane::Tests {
 
 /// An HTTP server on the loopback address, on a thread of its own, that serves one file with byte
 /// ranges. It holds every answer back while it is closed.
-class SlowServer : public QThread
+class SlowServer
 {
 public:
     explicit SlowServer(QByteArray servedFile, bool opened)
         : file(std::move(servedFile)),
-          open(opened)
+          open(opened),
+          thread([this] { run(); })
     {
-        start();
-        const QMutexLocker lock(&mutex);
-        while (port == 0) {
-            changed.wait(&mutex);
-        }
+        std::unique_lock<std::mutex> lock(mutex);
+        changed.wait(lock, [this] { return port != 0; });
     }
-    ~SlowServer() override
+    ~SlowServer()
     {
         setOpen(true);
-        quit();
-        wait();
+        {
+            const std::lock_guard<std::mutex> guard(mutex);
+            loop->quit();
+        }
+        thread.join();
     }
+    SlowServer(const SlowServer&) = delete;
+    SlowServer& operator=(const SlowServer&) = delete;
     QString url(const char* name)
     {
-        const QMutexLocker lock(&mutex);
+        std::unique_lock<std::mutex> lock(mutex);
         return QStringLiteral("http://127.0.0.1:%1/%2").arg(port).arg(QLatin1String(name));
     }
     void setOpen(bool opened)
     {
-        const QMutexLocker lock(&mutex);
+        std::unique_lock<std::mutex> lock(mutex);
         open = opened;
-        changed.wakeAll();
+        changed.notify_all();
     }
     /// Closes every connection without an answer from now on.
     void breakDown()
     {
-        const QMutexLocker lock(&mutex);
+        std::unique_lock<std::mutex> lock(mutex);
         broken = true;
         open = true;
-        changed.wakeAll();
+        changed.notify_all();
     }
     int requests()
     {
-        const QMutexLocker lock(&mutex);
+        std::unique_lock<std::mutex> lock(mutex);
         return seen;
     }
 
-protected:
-    void run() override
+private:
+    void run()
     {
+        QEventLoop events;
         QTcpServer server;
         server.listen(QHostAddress::LocalHost);
-        {
-            const QMutexLocker lock(&mutex);
-            port = server.serverPort();
-            changed.wakeAll();
-        }
         QObject::connect(&server, &QTcpServer::newConnection, &server, [this, &server] {
             while (QTcpSocket* const socket = server.nextPendingConnection()) {
                 QObject::connect(socket, &QTcpSocket::readyRead, socket,
                                  [this, socket] { answer(socket); });
             }
         });
-        exec();
+        {
+            const std::lock_guard<std::mutex> guard(mutex);
+            loop = &events;
+            port = server.serverPort();
+            changed.notify_all();
+        }
+        events.exec();
     }
 
-private:
     void answer(QTcpSocket* socket)
     {
         const QByteArray request = socket->peek(socket->bytesAvailable());
@@ -83,10 +91,10 @@ private:
         }
         socket->readAll();
         {
-            const QMutexLocker lock(&mutex);
+            std::unique_lock<std::mutex> lock(mutex);
             ++seen;
             while (!open) {
-                changed.wait(&mutex);
+                changed.wait(lock);
             }
             if (broken) {
                 socket->abort();
@@ -120,12 +128,14 @@ private:
     }
 
     QByteArray file;
-    QMutex mutex; // guards what follows
-    QWaitCondition changed;
+    std::mutex mutex; // guards what follows
+    std::condition_variable changed;
     bool open;
     bool broken = false;
     quint16 port = 0;
     int seen = 0;
+    QEventLoop* loop = nullptr; // of the thread
+    std::thread thread;         // last: it uses all of the above
 };
 
 } // namespace Corvane::Tests

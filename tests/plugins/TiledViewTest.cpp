@@ -7,6 +7,7 @@
 #include <corvane/tiles/ITileRequest.h>
 #include <corvane/tiles/ITiledLayer.h>
 #include <corvane/tiles/LayerLevel.h>
+#include <corvane/tiles/TileRequestRegistry.h>
 
 #include <QLoggingCategory>
 #include <QThreadPool>
@@ -31,11 +32,17 @@ QRgb colourOf(unsigned int level)
     return colours[level];
 }
 
-// Does nothing on the pool; the test delivers by hand.
+// Does nothing on the pool and never calls the layer; the test delivers by hand.
 class IdleRequest final : public ITileRequest
 {
 public:
     using ITileRequest::ITileRequest;
+    void run() override
+    {
+        TileRequestRegistry::instance().synchronize();
+        cancel();
+        ITileRequest::run();
+    }
     bool processTile() override { return false; }
 };
 
