@@ -12,3 +12,5 @@ add_library(headers_compile_alone OBJECT ${header_sources})
 set_target_properties(headers_compile_alone PROPERTIES AUTOMOC OFF AUTOUIC OFF)
 target_compile_options(headers_compile_alone PRIVATE -O0 -g0)
 target_link_libraries(headers_compile_alone PRIVATE corvane corvane_flags)
+add_test(NAME headers
+    COMMAND ${CMAKE_COMMAND} --build ${CMAKE_BINARY_DIR} --target headers_compile_alone)
