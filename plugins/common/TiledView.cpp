@@ -236,11 +236,15 @@ int TiledView::levelFor(int deviceWidth, const QRectF& world) const
     return level ? static_cast<int>(level->getLevel()) : -1;
 }
 
-void TiledView::setRenderHints(GeoPainter& painter, const QRectF& world, const QRect& device) const
+// While tiles are on their way the view is painted for each few of them: smoothing waits until the
+// last has come, lest painting take the time from reading.
+void TiledView::setRenderHints(GeoPainter& painter, const QRectF& world, const QRect& device,
+                               bool loading) const
 {
     const double devicePerPixel = layer->getWorldPerPixelX() * device.width() / world.width();
     const bool enlarged = devicePerPixel > 1.0;
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth && !enlarged);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform,
+                          smooth && !enlarged && !(loading && progressive));
 }
 
 void TiledView::paint(GeoPainter& painter, QRectF* world, QRect* device)
@@ -250,11 +254,12 @@ void TiledView::paint(GeoPainter& painter, QRectF* world, QRect* device)
     if (level < 0) {
         return;
     }
-    painter.save();
-    setRenderHints(painter, *world, *device);
     const TileRange range = shelf.rangeOf(static_cast<unsigned int>(level), world->left(),
                                           world->top(), world->right(), world->bottom());
-    if (shelf.countMissing(range) > 0) {
+    const bool loading = shelf.countMissing(range) > 0;
+    painter.save();
+    setRenderHints(painter, *world, *device, loading);
+    if (loading) {
         UnderlayPainter underlayPainter(shelf, *world, *device, layer->getBounds());
         const auto tileBounds = [this](const TileId& tile) {
             double left = 0.0;

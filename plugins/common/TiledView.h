@@ -75,7 +75,8 @@ private:
     void requestUnderlay();
     void waitForView();
     int levelFor(int deviceWidth, const QRectF& world) const;
-    void setRenderHints(GeoPainter& painter, const QRectF& world, const QRect& device) const;
+    void setRenderHints(GeoPainter& painter, const QRectF& world, const QRect& device,
+                        bool loading) const;
 
     ITiledLayer* layer;  // not owned
     LayerLevels* levels; // not owned

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -24,13 +25,27 @@ std::size_t area(const QSize& size)
     return static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height());
 }
 
-int toGrey(double value, const StretchRange& range)
+// Spreads a range of values over the grey levels. A range without a width parts black from white.
+template <typename Value>
+class GreyScale
 {
-    const double width = range.high - range.low;
-    const double grey =
-        width > 0.0 ? (value - range.low) * 255.0 / width : (value > range.low ? 255.0 : 0.0);
-    return static_cast<int>(std::clamp(grey, 0.0, 255.0) + 0.5);
-}
+public:
+    explicit GreyScale(const StretchRange& range)
+        : low(static_cast<Value>(range.low)),
+          factor(range.high > range.low ? static_cast<Value>(255.0 / (range.high - range.low))
+                                        : std::numeric_limits<Value>::max())
+    {
+    }
+    QRgb operator()(Value value) const
+    {
+        const Value grey = (value - low) * factor + Value(0.5);
+        return static_cast<QRgb>(std::clamp(grey, Value(0), Value(255)));
+    }
+
+private:
+    Value low;
+    Value factor;
+};
 
 } // namespace
 
@@ -296,7 +311,7 @@ bool TileReader::readStretched(const Window& window, const RasterHandle& handle,
     for (std::size_t b = 0; b < plan.bands.size(); ++b) {
         const BandFacts& band =
             theSource->facts().bands[static_cast<std::size_t>(plan.bands[b] - 1)];
-        const StretchRange range = theSource->stretchOf(plan.bands[b], handle);
+        const GreyScale<Value> scale(theSource->stretchOf(plan.bands[b], handle));
         const auto noData = static_cast<Value>(band.noData);
         const int shift = plan.bands.size() == 1 ? 0 : 16 - 8 * static_cast<int>(b);
         const QRgb spread = plan.bands.size() == 1 ? 0x010101U : 1U << shift;
@@ -307,7 +322,7 @@ bool TileReader::readStretched(const Window& window, const RasterHandle& handle,
             }
             const bool isValid = !std::isnan(value) && !(band.hasNoData && value == noData);
             valid[i] = static_cast<unsigned char>(valid[i] | (isValid ? 255 : 0));
-            const auto grey = static_cast<QRgb>(isValid ? toGrey(value, range) : 0);
+            const QRgb grey = isValid ? scale(value) : 0U;
             out[i] = (b == 0 ? 0xff000000U : out[i]) | grey * spread;
         }
     }
