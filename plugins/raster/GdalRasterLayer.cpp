@@ -63,7 +63,8 @@ QString newTileLayerId()
 
 } // namespace
 
-GdalRasterLayer::GdalRasterLayer(IRendererClient* client) : RasterLayer(client), view(this, &levels)
+GdalRasterLayer::GdalRasterLayer(IRendererClient* client)
+    : RasterLayer(client), view(this, &levels), pacer([this] { refreshAll(); })
 {
 }
 
@@ -190,6 +191,14 @@ void GdalRasterLayer::setViewAgain()
     view.askAgain();
 }
 
+void GdalRasterLayer::showArrived()
+{
+    if (loader) {
+        loader->repaintCallHeard();
+        pacer.tilesArrived(view.percentComplete() == 100);
+    }
+}
+
 void GdalRasterLayer::beginUpdate(bool)
 {
     view.beginUpdate();
@@ -258,10 +267,7 @@ QString GdalRasterLayer::getTileUrl(unsigned int, unsigned int, unsigned int, un
 void GdalRasterLayer::tileReady(ITileRequest* request)
 {
     auto* const own = static_cast<RasterTileRequest*>(request);
-    std::unique_ptr<GeoImage> image = own->takeImage();
-    const QRectF area = image->getBounds();
-    own->deliver(std::move(image));
-    refresh(area.left(), area.top(), area.right(), area.bottom());
+    own->deliver(own->takeImage());
 }
 
 // On a pool thread, inside the lifeline. A tile that cannot be read comes as a marked one; what

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <plugins/common/RefreshPacer.h>
 #include <plugins/common/TiledView.h>
 
 #include <corvane/map/IRasterLayerHistogram.h>
@@ -132,6 +133,8 @@ signals:
 public slots:
     /// Asks once more for the tiles that the view lacks.
     void setViewAgain();
+    /// Takes the tiles that have come and asks for a repaint when it is time.
+    void showArrived();
 
 private:
     friend class RasterOpening;
@@ -155,6 +158,7 @@ private:
     std::shared_ptr<RasterTileLoader> loader;
     QString tileLayerId;
     TiledView view;
+    RefreshPacer pacer;
 };
 
 } // namespace Corvane::Map

@@ -133,13 +133,9 @@ void RasterTileLoader::loadRuns()
 // On a pool thread.
 void RasterTileLoader::deliver(DeliveredTile tile)
 {
-    const double left = tile.image->tlx;
-    const double top = tile.image->tly;
-    const double right = tile.image->brx;
-    const double bottom = tile.image->bry;
     exchange.deliver(tile.tile, std::move(tile.image));
     if (lifeline.enter()) {
-        layer->refresh(left, top, right, bottom);
+        callForRepaint();
         lifeline.leave();
     }
 }
@@ -149,6 +145,14 @@ void RasterTileLoader::callForView()
 {
     if (!viewCalled.exchange(true)) {
         QMetaObject::invokeMethod(layer, &GdalRasterLayer::setViewAgain, Qt::QueuedConnection);
+    }
+}
+
+// On a pool thread.
+void RasterTileLoader::callForRepaint()
+{
+    if (!repaintCalled.exchange(true)) {
+        QMetaObject::invokeMethod(layer, &GdalRasterLayer::showArrived, Qt::QueuedConnection);
     }
 }
 

@@ -43,6 +43,9 @@ public:
     void callForView();
     /// The layer has heard the call.
     void viewCallHeard() { viewCalled = false; }
+    /// Tells the layer that tiles were delivered. The caller is inside the lifeline.
+    void callForRepaint();
+    void repaintCallHeard() { repaintCalled = false; }
 
     /// Nothing is delivered any more, and the layer is not touched once this returns.
     void close();
@@ -57,6 +60,7 @@ private:
     TileReader reader;
     std::uint32_t runLevels;
     std::atomic<bool> viewCalled{false};
+    std::atomic<bool> repaintCalled{false};
 };
 
 } // namespace Map

@@ -85,6 +85,7 @@ std::unique_ptr<GeoImage> RasterTileRequest::takeImage()
 void RasterTileRequest::deliver(std::unique_ptr<GeoImage> made)
 {
     loader->exchange.deliver(tile, std::move(made));
+    loader->callForRepaint();
 }
 
 } // namespace Corvane::Map

@@ -30,7 +30,7 @@ public:
     bool processTile() override;
     /// The finished tile, for the layer to take; null when it was taken or none was made.
     std::unique_ptr<GeoImage> takeImage();
-    /// Hands the tile on to where the layer finds it. While it runs only.
+    /// Hands the tile on to where the layer finds it, and tells the layer. While it runs only.
     void deliver(std::unique_ptr<GeoImage> image);
 
 private:
