@@ -64,7 +64,9 @@ QString newTileLayerId()
 } // namespace
 
 GdalRasterLayer::GdalRasterLayer(IRendererClient* client)
-    : RasterLayer(client), view(this, &levels), pacer([this] { refreshAll(); })
+    : RasterLayer(client),
+      view(this, &levels),
+      pacer([this] { refreshAll(); })
 {
 }
 

@@ -201,13 +201,17 @@ LevelFacts levelFacts(GDALDatasetH shown, int level, const RasterFacts& facts)
     return result;
 }
 
-void readStructure(GDALDatasetH shown, RasterFacts& facts)
+void readStructure(GDALDatasetH original, GDALDatasetH shown, RasterFacts& facts)
 {
     GDALRasterBandH band = GDALGetRasterBand(shown, 1);
-    GDALGetBlockSize(band, &facts.blockSize.rwidth(), &facts.blockSize.rheight());
-    facts.tileSize = tileSizeFor(facts.blockSize, facts.size);
-    facts.layout = facts.blockSize.width() >= facts.size.width() ? QStringLiteral("strips")
-                                                                 : QStringLiteral("tiles");
+    QSize shownBlock;
+    GDALGetBlockSize(band, &shownBlock.rwidth(), &shownBlock.rheight());
+    facts.tileSize = tileSizeFor(shownBlock, facts.size);
+    GDALGetBlockSize(GDALGetRasterBand(original, 1), &facts.blockSize.rwidth(),
+                     &facts.blockSize.rheight());
+    facts.layout = facts.blockSize.width() >= GDALGetRasterXSize(original)
+                       ? QStringLiteral("strips")
+                       : QStringLiteral("tiles");
     for (int i = 0; i < GDALGetOverviewCount(band); ++i) {
         GDALRasterBandH overview = GDALGetOverview(band, i);
         facts.overviews.append(
@@ -263,7 +267,7 @@ RasterFacts readFacts(GDALDatasetH original, GDALDatasetH shown)
     readCoordinateSystem(original, shown, facts);
     readBands(original, shown, facts);
     readPalette(original, facts);
-    readStructure(shown, facts);
+    readStructure(original, shown, facts);
     return facts;
 }
 

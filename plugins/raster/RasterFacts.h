@@ -52,8 +52,8 @@ struct RasterFacts
     int alphaBand = 0;            ///< from 1; 0 without one
     bool hasMask = false;         ///< a mask for the whole image
     QVector<QRgb> palette;        ///< of band 1; empty without one
-    QSize blockSize;
-    unsigned int tileSize = 0; ///< in pixels, both ways
+    QSize blockSize;              ///< of the source
+    unsigned int tileSize = 0;    ///< in pixels, both ways
     QVector<QSize> overviews;
     std::vector<LevelFacts> levels; ///< more than a pyramid has
     QString layout;                 ///< "tiles" or "strips"
