@@ -21,7 +21,7 @@ struct RasterFacts;
 /// A raster of whatever kind GDAL opens, of whatever size: reads it in tiles on the pool and shows
 /// it north-up. A source that does not open at once is opened behind the scenes; the layer is then
 /// not valid until sourceOpened tells how it ended. May be deleted at any time.
-class GdalRasterLayer final : public RasterLayer, public ITiledLayer, public IRasterLayerHistogram
+class GdalRasterLayer : public RasterLayer, public ITiledLayer, public IRasterLayerHistogram
 {
     Q_OBJECT
     Q_INTERFACES(Corvane::Map::ITiledLayer Corvane::Map::IRasterLayerHistogram)

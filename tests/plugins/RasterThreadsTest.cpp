@@ -76,6 +76,36 @@ std::condition_variable Barrier::changed;
 int Barrier::held = 0;
 int Barrier::passes = 0;
 
+// Requests that bring nothing stay in their last call to the layer, with their keys still taken.
+class StallingLayer : public GdalRasterLayer
+{
+public:
+    void tileFailed(ITileRequest*) override
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        ++stalled;
+        changed.notify_all();
+        changed.wait(lock, [this] { return open; });
+    }
+    void waitForStalled(int count)
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        changed.wait(lock, [this, count] { return stalled >= count; });
+    }
+    void letGo()
+    {
+        const std::lock_guard<std::mutex> guard(mutex);
+        open = true;
+        changed.notify_all();
+    }
+
+private:
+    std::mutex mutex; // guards stalled and open
+    std::condition_variable changed;
+    int stalled = 0;
+    bool open = false;
+};
+
 // What runs on the pool has ended.
 void waitForPool()
 {
@@ -101,6 +131,7 @@ private slots:
     void bandsChangeWhileTilesAreOnTheirWay();
     void aViewThatWanderedOffAndCameBackIsCompleted_data();
     void aViewThatWanderedOffAndCameBackIsCompleted();
+    void aTileRefusedForARequestThatGaveUpIsAskedForAgain();
     void unwantedTilesAreNotRead();
     void withoutProgressEveryViewIsWholeOnReturn_data();
     void withoutProgressEveryViewIsWholeOnReturn();
@@ -242,6 +273,24 @@ void RasterThreadsTest::aViewThatWanderedOffAndCameBackIsCompleted()
     }
     here.set(layer);
     QTRY_COMPARE_WITH_TIMEOUT(int(layer.getPercentComplete()), 100, 60000);
+}
+
+void RasterThreadsTest::aTileRefusedForARequestThatGaveUpIsAskedForAgain()
+{
+    StallingLayer layer;
+    QVERIFY(layer.setDataSource(blocks));
+    QTRY_VERIFY(layer.isValid());
+    const int threads = QThreadPool::globalInstance()->maxThreadCount();
+    const PixelView here{1000, 800, 0, 0, 1.0};
+    Barrier::hold(threads);
+    here.set(layer);
+    PixelView{300, 200, 5000, 3500, 1.0}.set(layer);
+    Barrier::release(threads);
+    layer.waitForStalled(threads); // found their tiles unwanted, their keys are still taken
+    here.set(layer);
+    layer.letGo();
+    QTRY_COMPARE(int(layer.getPercentComplete()), 100);
+    waitForPool();
 }
 
 void RasterThreadsTest::unwantedTilesAreNotRead()
