@@ -136,11 +136,11 @@ public slots:
     /// Takes the tiles that have come and asks for a repaint when it is time.
     void showArrived();
 
-private:
-    friend class RasterOpening;
-
-    void closeSource();
+private slots:
     bool takeOpened();
+
+private:
+    void closeSource();
     void adopt(std::shared_ptr<RasterSource> opened);
     bool fail(const QString& reason);
     void restartTiles();

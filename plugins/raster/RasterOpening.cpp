@@ -67,8 +67,7 @@ void RasterOpening::open()
         ended.notify_all();
     }
     if (tell && lifeline.enter()) {
-        QMetaObject::invokeMethod(
-            layer, [target = layer] { target->takeOpened(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(layer, "takeOpened", Qt::QueuedConnection);
         lifeline.leave();
     }
 }

@@ -144,7 +144,7 @@ void RasterTileLoader::deliver(DeliveredTile tile)
 void RasterTileLoader::callForView()
 {
     if (!viewCalled.exchange(true)) {
-        QMetaObject::invokeMethod(layer, &GdalRasterLayer::setViewAgain, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(layer, "setViewAgain", Qt::QueuedConnection);
     }
 }
 
@@ -152,7 +152,7 @@ void RasterTileLoader::callForView()
 void RasterTileLoader::callForRepaint()
 {
     if (!repaintCalled.exchange(true)) {
-        QMetaObject::invokeMethod(layer, &GdalRasterLayer::showArrived, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(layer, "showArrived", Qt::QueuedConnection);
     }
 }
 

@@ -18,7 +18,8 @@ class GdalRasterLayer;
 class RasterSource;
 
 /// What the requests of a layer share: where they read, where they deliver, and how they reach the
-/// layer while it is there. Outlives the layer as long as requests run. Any thread.
+/// layer while it is there. The layer is called by slot name: Qt then makes and frees the queued call
+/// itself, on whichever thread. Outlives the layer as long as requests run. Any thread.
 class RasterTileLoader
 {
 public:
