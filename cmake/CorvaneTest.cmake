@@ -1,7 +1,9 @@
 # corvane_test(map/ViewManagerTest [LIBS ...] [SOURCES ...] [LABELS ...] [DEFINITIONS ...] [DEPENDS ...])
 #
 # Builds tests/map/ViewManagerTest.cpp and registers it as map.ViewManager. The folder is the
-# test's first label. Each test runs off screen, with a home and settings folder of its own.
+# test's first label; the target threaded_tests builds those labelled tiles or tsan. Each test runs off screen, with a home and settings folder of its own.
+add_custom_target(threaded_tests)
+
 function(corvane_test name)
     cmake_parse_arguments(arg "" "" "LIBS;SOURCES;LABELS;DEFINITIONS;DEPENDS" ${ARGN})
     get_filename_component(folder ${name} DIRECTORY)
@@ -23,6 +25,10 @@ function(corvane_test name)
         ${arg_DEFINITIONS})
     if(arg_DEPENDS)
         add_dependencies(${target} ${arg_DEPENDS})
+    endif()
+
+    if(folder STREQUAL "tiles" OR "tsan" IN_LIST arg_LABELS)
+        add_dependencies(threaded_tests ${target})
     endif()
 
     set(home ${CMAKE_BINARY_DIR}/tests/${folder}/${file}/home)

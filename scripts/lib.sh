@@ -34,10 +34,10 @@ configure()
     (cd "$root" && cmake --preset "$preset" "-DCORVANE_WERROR=${CORVANE_WERROR:-OFF}" "$@")
 }
 
-# build PRESET: says nothing but warnings and errors.
+# build PRESET [TARGET]: says nothing but warnings and errors.
 build()
 {
-    cmake --build "$root/build/$1" --parallel "$(nproc)" -- --quiet
+    cmake --build "$root/build/$1" --target "${2:-all}" --parallel "$(nproc)" -- --quiet
 }
 
 # run_tests PRESET [CTEST ARGUMENTS...]: ctest's own summary comes last, its exit code is ours.
