@@ -18,11 +18,7 @@ function(corvane_test name)
         RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests/${folder}/${file})
     target_link_libraries(${target} PRIVATE corvane corvane_flags Qt5::Test ${arg_LIBS})
     target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR})
-    target_compile_definitions(${target} PRIVATE
-        CORVANE_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
-        CORVANE_BINARY_DIR="${CMAKE_BINARY_DIR}"
-        CORVANE_PLUGIN_DIR="${CORVANE_PLUGIN_DIRECTORY}"
-        ${arg_DEFINITIONS})
+    target_compile_definitions(${target} PRIVATE ${arg_DEFINITIONS})
     if(arg_DEPENDS)
         add_dependencies(${target} ${arg_DEPENDS})
     endif()
