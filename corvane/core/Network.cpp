@@ -1,0 +1,175 @@
+#include <corvane/core/Network.h>
+
+#include <curl/curl.h>
+
+#include <QBuffer>
+#include <QImage>
+#include <QString>
+#include <QtDebug>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <limits>
+#include <memory>
+#include <mutex>
+
+namespace Corvane::Network {
+
+namespace {
+
+constexpr char userAgent[] = "Corvane/1.0";
+constexpr char protocols[] = "http,https,ftp";
+constexpr char everyEncoding[] = "";       // all that curl can unpack
+constexpr int urlLimit = 1024;             // UTF-16 units, the terminating one among them
+constexpr std::size_t chunkSize = 1024;    // bytes
+constexpr long receiveBufferSize = 131072; // bytes
+constexpr long mostRedirects = 30;
+constexpr qint64 mostBytes = std::numeric_limits<int>::max() / 2; // a QByteArray doubles its room
+
+enum class Transport
+{
+    Unopened,
+    Open,
+    Finished
+};
+
+std::atomic<Transport> transport{Transport::Unopened};
+std::once_flag opening;
+
+struct EasyCloser
+{
+    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+};
+
+struct ListCloser
+{
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+};
+
+using EasyHandle = std::unique_ptr<CURL, EasyCloser>;
+using HeaderList = std::unique_ptr<curl_slist, ListCloser>;
+using ErrorText = std::array<char, CURL_ERROR_SIZE>;
+
+/// The calling thread's own handle, with the connections that it has kept; null where curl makes
+/// none.
+CURL* threadHandle()
+{
+    thread_local const EasyHandle handle(curl_easy_init());
+    return handle.get();
+}
+
+/// Spaces, controls and what is not ASCII, percent-encoded; everything else as it stands.
+QByteArray encoded(const QString& url)
+{
+    QByteArray printable;
+    for (char c = '!'; c <= '~'; ++c) {
+        printable += c;
+    }
+    return url.toUtf8().toPercentEncoding(printable);
+}
+
+std::size_t writeChunks(char* data, std::size_t size, std::size_t count, void* target)
+{
+    auto* const buffer = static_cast<QBuffer*>(target);
+    const std::size_t total = size * count;
+    for (std::size_t done = 0; done < total; done += chunkSize) {
+        const std::size_t length = std::min(chunkSize, total - done);
+        if (buffer->size() > mostBytes ||
+            buffer->write(data + done, static_cast<qint64>(length)) < 0) {
+            return done;
+        }
+    }
+    return total;
+}
+
+void setOptions(CURL* handle, const QString& url, const curl_slist* headers, ErrorText& error,
+                QBuffer& target)
+{
+    curl_easy_reset(handle); // the options; connections are kept
+    curl_easy_setopt(handle, CURLOPT_URL, encoded(url).constData());
+    curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, protocols);
+    curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, protocols);
+    curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(handle, CURLOPT_MAXREDIRS, mostRedirects);
+    curl_easy_setopt(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+    curl_easy_setopt(handle, CURLOPT_USERAGENT, userAgent);
+    curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, everyEncoding);
+    curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers);
+    curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L); // signals and threads do not mix
+    curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, receiveBufferSize);
+    curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, error.data());
+    curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &writeChunks);
+    curl_easy_setopt(handle, CURLOPT_WRITEDATA, &target);
+}
+
+CURLcode fetch(const QString& url, bool allowCache, ErrorText& error, QBuffer& target)
+{
+    // A transport that was finished is not opened again: programs end it once and for all.
+    // NetworkFinishTest::afterFinishEveryFetchFails holds it.
+    CURL* const handle = transport == Transport::Open ? threadHandle() : nullptr;
+    if (!handle) {
+        return CURLE_FAILED_INIT;
+    }
+    const HeaderList headers(allowCache ? nullptr : curl_slist_append(nullptr, "Pragma: no-cache"));
+    setOptions(handle, url, headers.get(), error, target);
+    const CURLcode result = curl_easy_perform(handle);
+    curl_easy_reset(handle); // lets go of what stands on this stack
+    return result;
+}
+
+// The buffer stays allocated: whoever decodes leaves it behind, without its bytes.
+void decode(const QString& url, QImage& image)
+{
+    // never from a cache, whatever the caller of getImage allows
+    QBuffer* const buffer = getBuffer(url, false);
+    image.loadFromData(buffer->data());
+    buffer->setData(QByteArray());
+}
+
+} // namespace
+
+bool initialize()
+{
+    std::call_once(opening, [] {
+        if (curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK) {
+            transport = Transport::Open;
+        }
+    });
+    return transport != Transport::Unopened;
+}
+
+void finish()
+{
+    Transport open = Transport::Open;
+    transport.compare_exchange_strong(open, Transport::Finished);
+}
+
+QBuffer* getBuffer(const QString& url, bool allowCache)
+{
+    auto* const buffer = new QBuffer;
+    if (url.size() >= urlLimit) {
+        qFatal("Network: the URL is %d characters long, more than %d: %s", int(url.size()),
+               urlLimit - 1, qUtf8Printable(url));
+    }
+    if (!initialize()) {
+        return buffer;
+    }
+    buffer->open(QIODevice::ReadWrite);
+    ErrorText error{};
+    const CURLcode result = fetch(url, allowCache, error, *buffer);
+    buffer->close();
+    if (result != CURLE_OK && buffer->data().isEmpty()) {
+        qDebug("%s", error.front() != '\0' ? error.data() : curl_easy_strerror(result));
+    }
+    return buffer;
+}
+
+QImage* getImage(const QString& url, bool)
+{
+    auto* const image = new QImage;
+    decode(url, *image);
+    return image;
+}
+
+} // namespace Corvane::Network

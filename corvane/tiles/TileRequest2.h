@@ -1,0 +1,51 @@
+#pragma once
+
+#include <corvane/core/Export.h>
+
+#include <QString>
+
+namespace Corvane::Map {
+
+class TileMatrixSet;
+
+/// The plain data of a tile request of a tile matrix set. One thread at a time.
+class CORVANE_EXPORT TileRequest2
+{
+public:
+    TileRequest2();
+    TileRequest2(const TileRequest2& other) = default;
+    TileRequest2& operator=(const TileRequest2& other) = default;
+    virtual ~TileRequest2();
+
+    bool getCancel();
+    /// Keeps the flag; nothing in the library looks at it.
+    void setCancel(bool newCancel);
+    /// False: nothing in the library sets it.
+    bool isProcessing();
+    QString getKey();
+    void setKey(QString newKey);
+    TileMatrixSet* getTileMatrix();
+    /// The set is not owned.
+    void setTileMatrix(TileMatrixSet* newTileMatrix);
+    /// Column, row and world rectangle of the tile.
+    void setTileParams(unsigned int newX, unsigned int newY, double newTlx, double newTly,
+                       double newBrx, double newBry);
+    /// The same in the same order; the rectangle only after setTileParams. No pointer may be null.
+    void getTileParams(unsigned int* outX, unsigned int* outY, double* outTlx, double* outTly,
+                       double* outBrx, double* outBry);
+
+private:
+    // the constructor leaves these four unset: a request has no rectangle before setTileParams
+    double tlx;
+    double tly;
+    double brx;
+    double bry;
+    unsigned int x = 0;
+    unsigned int y = 0;
+    bool cancel = false;
+    bool processing = false;
+    TileMatrixSet* tileMatrix = nullptr; // not owned
+    QString key;
+};
+
+} // namespace Corvane::Map
