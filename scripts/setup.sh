@@ -11,7 +11,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 build_packages=(g++ cmake ninja-build ccache pkg-config ca-certificates
     qtbase5-dev libgdal-dev libcurl4-openssl-dev librsvg2-bin libqtpropertybrowser-dev)
-test_packages=(qttools5-dev-tools gdal-bin xvfb xauth)
+test_packages=(qttools5-dev-tools gdal-bin openssl xvfb xauth)
 check_packages=(clang clang-format clang-tidy libclang-rt-dev shellcheck git)
 bench_packages=(gdal-bin marble-data libbenchmark-dev python3)
 

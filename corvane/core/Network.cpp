@@ -59,14 +59,25 @@ CURL* threadHandle()
     return handle.get();
 }
 
-/// Spaces, controls and what is not ASCII, percent-encoded; everything else as it stands.
+bool isPlain(char c)
+{
+    return c > ' ' && c <= '~';
+}
+
+/// Scheme and host as they stand; behind them spaces, controls and what is not ASCII is
+/// percent-encoded.
 QByteArray encoded(const QString& url)
 {
-    QByteArray printable;
-    for (char c = '!'; c <= '~'; ++c) {
-        printable += c;
+    const QString endsOfHost = QStringLiteral("/?#");
+    int path = url.indexOf(QLatin1String("://")) + 3;
+    while (path < url.size() && !endsOfHost.contains(url.at(path))) {
+        ++path;
     }
-    return url.toUtf8().toPercentEncoding(printable);
+    QByteArray result = url.left(path).toUtf8();
+    for (const char c : url.mid(path).toUtf8()) {
+        result += isPlain(c) ? QByteArray(1, c) : '%' + QByteArray(1, c).toHex().toUpper();
+    }
+    return result;
 }
 
 std::size_t writeChunks(char* data, std::size_t size, std::size_t count, void* target)
