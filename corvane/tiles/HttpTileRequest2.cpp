@@ -5,7 +5,7 @@
 namespace Corvane::Map {
 
 // A parent would delete the request while its reply is on the way.
-// HttpTileRequest2Test::aParentIsIgnored holds it.
+// TileRequest2Test::aParentIsIgnored holds it.
 HttpTileRequest2::HttpTileRequest2(QUrl requestUrl, QObject*) : url(std::move(requestUrl)) {}
 
 HttpTileRequest2::~HttpTileRequest2() = default;
