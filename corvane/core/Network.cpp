@@ -1,5 +1,7 @@
 #include <corvane/core/Network.h>
 
+#include <corvane/core/TransferHandles_p.h>
+
 #include <curl/curl.h>
 
 #include <QBuffer>
@@ -37,9 +39,11 @@ enum class Transport
 std::atomic<Transport> transport{Transport::Unopened};
 std::once_flag opening;
 
-struct EasyCloser
+/// Made after the TLS library, so it goes before it: by then no thread may hold a connection.
+/// TransferHandlesTest and HttpUnloadTest hold it.
+struct HandlesCloser
 {
-    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+    ~HandlesCloser() { TransferHandles::instance().close(); }
 };
 
 struct ListCloser
@@ -47,17 +51,8 @@ struct ListCloser
     void operator()(curl_slist* list) const { curl_slist_free_all(list); }
 };
 
-using EasyHandle = std::unique_ptr<CURL, EasyCloser>;
 using HeaderList = std::unique_ptr<curl_slist, ListCloser>;
 using ErrorText = std::array<char, CURL_ERROR_SIZE>;
-
-/// The calling thread's own handle, with the connections that it has kept; null where curl makes
-/// none.
-CURL* threadHandle()
-{
-    thread_local const EasyHandle handle(curl_easy_init());
-    return handle.get();
-}
 
 bool isPlain(char c)
 {
@@ -118,7 +113,8 @@ CURLcode fetch(const QString& url, bool allowCache, ErrorText& error, QBuffer& t
 {
     // A transport that was finished is not opened again: programs end it once and for all.
     // NetworkFinishTest::afterFinishEveryFetchFails holds it.
-    CURL* const handle = transport == Transport::Open ? threadHandle() : nullptr;
+    TransferHandles& handles = TransferHandles::instance();
+    CURL* const handle = transport == Transport::Open ? handles.take() : nullptr;
     if (!handle) {
         return CURLE_FAILED_INIT;
     }
@@ -126,6 +122,7 @@ CURLcode fetch(const QString& url, bool allowCache, ErrorText& error, QBuffer& t
     setOptions(handle, url, headers.get(), error, target);
     const CURLcode result = curl_easy_perform(handle);
     curl_easy_reset(handle); // lets go of what stands on this stack
+    handles.giveBack();
     return result;
 }
 
@@ -144,6 +141,7 @@ bool initialize()
 {
     std::call_once(opening, [] {
         if (curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK) {
+            static const HandlesCloser handlesCloser;
             transport = Transport::Open;
         }
     });

@@ -37,7 +37,7 @@ public:
     /// World rectangle; the height is negative for a north-up set.
     virtual QRectF getBoundingBox() = 0;
 
-    /// Issues the request over the network. It stays the caller's: it is not attached to the reply.
+    /// Sends the request over the network. It stays the caller's: it is not attached to the reply.
     /// Nothing happens without a network manager.
     void queueTileRequest(HttpTileRequest2* request);
     /// Starts the request on the global thread pool, which deletes it if it says so.
