@@ -11,10 +11,7 @@ class RelaxedFlag
 public:
     RelaxedFlag(bool initial = false) : value(initial) {}
     RelaxedFlag(const RelaxedFlag& other) : value(static_cast<bool>(other)) {}
-    RelaxedFlag& operator=(const RelaxedFlag& other)
-    {
-        return *this = static_cast<bool>(other);
-    }
+    RelaxedFlag& operator=(const RelaxedFlag& other) { return *this = static_cast<bool>(other); }
     RelaxedFlag& operator=(bool newValue)
     {
         value.store(newValue, std::memory_order_relaxed);

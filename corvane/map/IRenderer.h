@@ -21,8 +21,7 @@ public:
     virtual void beginUpdate(bool zoom) = 0;
     virtual void endUpdate() = 0;
     /// The view is width by height pixels and shows this world rectangle, in map units.
-    virtual void setView(int width, int height, double tlx, double tly, double brx,
-                         double bry) = 0;
+    virtual void setView(int width, int height, double tlx, double tly, double brx, double bry) = 0;
     virtual void paint(GeoPainter& painter, QRectF* world, QRect* device) = 0;
     /// The client is not owned.
     virtual void setClient(IRendererClient* client) = 0;

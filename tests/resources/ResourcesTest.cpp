@@ -19,24 +19,58 @@ const Cursor cursors[] = {{"roamCur", "roamMask", {16, 16}},
                           {"zoomboxCur", "zoomboxMask", {2, 2}},
                           {"point", "pointMask", {0, 0}}};
 
-const char* const treeIcons[] = {
-    "home", "up",    "image",      "folder",     "refresh",            "web",
-    "keys", "lock2", "properties", "server_add", "server_information", "server_unknown"};
+const char* const treeIcons[] = {"home",
+                                 "up",
+                                 "image",
+                                 "folder",
+                                 "refresh",
+                                 "web",
+                                 "keys",
+                                 "lock2",
+                                 "properties",
+                                 "server_add",
+                                 "server_information",
+                                 "server_unknown"};
 
-const char* const toolbarIcons[] = {
-    "arrow_down_blue", "arrow_left_blue", "arrow_right_blue",
-    "arrow_up_blue",   "camera2",         "check",
-    "compress",        "copy",            "disk_blue",
-    "document_add",    "document_delete", "document_new",
-    "document_view",   "fit_to_size",     "folder_add",
-    "hand_point",      "help",            "help_web",
-    "home",            "link",            "monitor",
-    "navigate_down",   "navigate_down2",  "navigate_minus",
-    "navigate_plus",   "navigate_up",     "navigate_up2",
-    "pdf",             "prefs",           "printer",
-    "printer3",        "printer3_edit",   "printer_information",
-    "printer_view",    "save_as",         "select",
-    "zoom",            "zoom_1_to_1",     "zoom_box"};
+const char* const toolbarIcons[] = {"arrow_down_blue",
+                                    "arrow_left_blue",
+                                    "arrow_right_blue",
+                                    "arrow_up_blue",
+                                    "camera2",
+                                    "check",
+                                    "compress",
+                                    "copy",
+                                    "disk_blue",
+                                    "document_add",
+                                    "document_delete",
+                                    "document_new",
+                                    "document_view",
+                                    "fit_to_size",
+                                    "folder_add",
+                                    "hand_point",
+                                    "help",
+                                    "help_web",
+                                    "home",
+                                    "link",
+                                    "monitor",
+                                    "navigate_down",
+                                    "navigate_down2",
+                                    "navigate_minus",
+                                    "navigate_plus",
+                                    "navigate_up",
+                                    "navigate_up2",
+                                    "pdf",
+                                    "prefs",
+                                    "printer",
+                                    "printer3",
+                                    "printer3_edit",
+                                    "printer_information",
+                                    "printer_view",
+                                    "save_as",
+                                    "select",
+                                    "zoom",
+                                    "zoom_1_to_1",
+                                    "zoom_box"};
 
 bool isBlack(const QImage& image, int x, int y)
 {
@@ -62,10 +96,11 @@ private:
 QSet<QString> ResourcesTest::named() const
 {
     QSet<QString> paths{":/resources/zoombox.png", ":/resources/zoombox@2x.png",
-                        ":/resources/corvanegeospatial.png",
-                        ":/resources/corvanegeospatial@2x.png", ":/resources/corvane.png"};
+                        ":/resources/corvanegeospatial.png", ":/resources/corvanegeospatial@2x.png",
+                        ":/resources/corvane.png"};
     for (const char* icon : treeIcons) {
-        paths << QString(":/resources/%1.png").arg(icon) << QString(":/resources/%1@2x.png").arg(icon);
+        paths << QString(":/resources/%1.png").arg(icon)
+              << QString(":/resources/%1@2x.png").arg(icon);
     }
     for (const char* icon : toolbarIcons) {
         paths << QString(":/resources/icons/24x24/%1.png").arg(icon)
@@ -140,7 +175,8 @@ void ResourcesTest::cursorsArePureBlackAndWhiteAndPointWithTheirHotSpot()
     int white = 0;
     for (int y = 0; y < 32; ++y) {
         for (int x = 0; x < 32; ++x) {
-            QVERIFY(source.pixel(x, y) == qRgb(0, 0, 0) || source.pixel(x, y) == qRgb(255, 255, 255));
+            QVERIFY(source.pixel(x, y) == qRgb(0, 0, 0) ||
+                    source.pixel(x, y) == qRgb(255, 255, 255));
             QVERIFY2(!isBlack(bitmap, x, y) || isBlack(mask, x, y), "ink outside the mask inverts");
             black += isBlack(bitmap, x, y) ? 1 : 0;
             white += !isBlack(bitmap, x, y) && isBlack(mask, x, y) ? 1 : 0;
@@ -148,7 +184,8 @@ void ResourcesTest::cursorsArePureBlackAndWhiteAndPointWithTheirHotSpot()
     }
     QVERIFY(black > 30);
     QVERIFY(white > 30);
-    QVERIFY2(isBlack(mask, cursor.hotSpot.x(), cursor.hotSpot.y()), "the hot spot is off the drawing");
+    QVERIFY2(isBlack(mask, cursor.hotSpot.x(), cursor.hotSpot.y()),
+             "the hot spot is off the drawing");
 }
 
 void ResourcesTest::theTreeHoldsNothingElse()

@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 
 /// Holds threads until it is opened, and tells how many have come. Any thread.
 class Gate
@@ -48,3 +49,12 @@ private:
     int arrived = 0;
     bool opened = false;
 };
+
+/// Gives the other threads their turns, for something that must not happen to happen in.
+inline void letOthersRun()
+{
+    constexpr int turns = 10000;
+    for (int i = 0; i < turns; ++i) {
+        std::this_thread::yield();
+    }
+}

@@ -166,7 +166,7 @@ void TileHashTest::removeWaitsForTheCallForItsValueAlone()
     });
     removing.waitForArrivals(1);
     removing.open();
-    QTest::qWait(20); // time to go wrong in
+    letOthersRun();
     insideCall.open();
     remover.join();
     caller.join();
