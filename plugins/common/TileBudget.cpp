@@ -1,5 +1,10 @@
 #include <plugins/common/TileBudget.h>
 
+#include <corvane/core/Application.h>
+#include <corvane/core/System.h>
+
+#include <QSettings>
+
 #include <algorithm>
 
 namespace Corvane::Map {
@@ -7,6 +12,7 @@ namespace Corvane::Map {
 namespace {
 
 constexpr qint64 keptTenths = 9; // of the limit, after a round
+constexpr qint64 leastMegabytes = 256;
 
 } // namespace
 
@@ -14,6 +20,15 @@ TileBudget& TileBudget::instance()
 {
     static TileBudget budget;
     return budget;
+}
+
+qint64 TileBudget::limitFor(const QString& pluginName)
+{
+    Application* const application = Application::instance();
+    const QString key = QStringLiteral("Plugins/%1/MemoryBudgetMB").arg(pluginName);
+    const qint64 wanted = application ? application->getSettings()->value(key, 0).toLongLong() : 0;
+    const qint64 quarter = std::max<qint64>(System::getTotalRAM() / 4, leastMegabytes);
+    return (wanted > 0 ? wanted : quarter) * (qint64{1} << 20);
 }
 
 void TileBudget::setLimit(qint64 bytes)

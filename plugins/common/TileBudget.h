@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QtGlobal>
 
 #include <vector>
@@ -32,6 +33,9 @@ public:
     TileBudget(const TileBudget&) = delete;
     TileBudget& operator=(const TileBudget&) = delete;
 
+    /// What the settings give a plugin, in bytes: "Plugins/NAME/MemoryBudgetMB", else a quarter of the
+    /// machine's memory.
+    static qint64 limitFor(const QString& pluginName);
     /// In bytes; 0 or less stands for no limit.
     void setLimit(qint64 bytes);
     qint64 getLimit() const { return limit; }

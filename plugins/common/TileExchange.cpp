@@ -51,6 +51,13 @@ bool TileExchange::isOwed(const TileId& tile)
     return true;
 }
 
+void TileExchange::giveUp(const TileId& tile)
+{
+    const std::lock_guard<std::mutex> guard(mutex);
+    asked.erase(tile);
+    news.notify_all();
+}
+
 std::vector<TileId> TileExchange::owedInRow(const TileId& tile)
 {
     std::vector<TileId> row;

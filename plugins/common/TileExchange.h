@@ -41,6 +41,8 @@ public:
     void ask(const TileId& tile);
     /// Whether the tile is still to be brought; one that is no longer wanted is forgotten.
     bool isOwed(const TileId& tile);
+    /// Nobody brings the tile for now.
+    void giveUp(const TileId& tile);
     /// The rest of the row of tile that is owed, tile among it, from left to right.
     std::vector<TileId> owedInRow(const TileId& tile);
 

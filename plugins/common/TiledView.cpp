@@ -86,6 +86,9 @@ void TiledView::setView(int newWidth, int newHeight, double newTlx, double newTl
     viewSet = true;
     TileBudget::instance().viewed(this);
     request(updating && adaptiveRoam && progressive);
+    if (!progressive) {
+        waitForView();
+    }
 }
 
 bool TiledView::showsView(int otherWidth, int otherHeight, const QRectF& world) const
@@ -180,9 +183,6 @@ void TiledView::request(bool roaming)
         levels->setView(width, height, tlx, tly, brx, bry);
     }
     exchange->endAsking();
-    if (!progressive) {
-        waitForView();
-    }
 }
 
 // Only beneath what is missing of the level of the view.
@@ -216,13 +216,17 @@ void TiledView::waitForView()
 {
     QElapsedTimer clock;
     clock.start();
-    while (shelf.countMissing(chosen) > 0) {
+    while (exchange && shelf.countMissing(chosen) > 0) {
         if (waitLimit > 0 && clock.elapsed() > waitLimit) {
             return;
         }
         const bool askAgainNow = exchange->waitForNews(waitSliceMilliseconds);
         takeDelivered();
-        if (askAgainNow) {
+        const Waiting waiting = whileWaiting ? whileWaiting() : Waiting::GoOn;
+        if (waiting == Waiting::GiveUp) {
+            return;
+        }
+        if (askAgainNow || waiting == Waiting::AskAgain) {
             levels->setView(width, height, tlx, tly, brx, bry);
         }
     }

@@ -7,6 +7,7 @@
 #include <QRectF>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 
 class QRect;
@@ -47,6 +48,16 @@ public:
     bool smooth = true;
     /// How long a view that is not progressive may wait, in milliseconds; 0 for as long as it takes.
     int waitLimit = 0;
+
+    enum class Waiting
+    {
+        GoOn,
+        AskAgain,
+        GiveUp
+    };
+    /// Asked now and then while a view that is not progressive waits; empty for a source whose
+    /// tiles all come.
+    std::function<Waiting()> whileWaiting;
 
     void setView(int width, int height, double tlx, double tly, double brx, double bry);
     /// Whether a view was set since start.

@@ -1,11 +1,9 @@
 #pragma once
 
-#include <plugins/common/RefreshPacer.h>
-#include <plugins/common/TiledView.h>
+#include <plugins/common/SourceOpening.h>
+#include <plugins/common/TiledRasterLayer.h>
 
 #include <corvane/map/IRasterLayerHistogram.h>
-#include <corvane/map/RasterLayer.h>
-#include <corvane/tiles/ITiledLayer.h>
 
 #include <QVector>
 
@@ -13,7 +11,6 @@
 
 namespace Corvane::Map {
 
-class RasterOpening;
 class RasterSource;
 class RasterTileLoader;
 struct RasterFacts;
@@ -21,14 +18,11 @@ struct RasterFacts;
 /// A raster of whatever kind GDAL opens, of whatever size: reads it in tiles on the pool and shows
 /// it north-up. A source that does not open at once is opened behind the scenes; the layer is then
 /// not valid until sourceOpened tells how it ended. May be deleted at any time.
-class GdalRasterLayer : public RasterLayer, public ITiledLayer, public IRasterLayerHistogram
+class GdalRasterLayer : public TiledRasterLayer, public IRasterLayerHistogram
 {
     Q_OBJECT
-    Q_INTERFACES(Corvane::Map::ITiledLayer Corvane::Map::IRasterLayerHistogram)
+    Q_INTERFACES(Corvane::Map::IRasterLayerHistogram)
     Q_PROPERTY(QString Bands READ getBandsText WRITE setBandsText)
-    Q_PROPERTY(bool Progressive READ isProgressive WRITE setProgressive)
-    Q_PROPERTY(bool AdaptiveRoam READ isAdaptiveRoam WRITE setAdaptiveRoam)
-    Q_PROPERTY(bool PixmapSmoothing READ isPixmapSmoothing WRITE setPixmapSmoothing)
     Q_PROPERTY(QString Driver READ getDriver STORED false)
     Q_PROPERTY(int Epsg READ getEpsg STORED false)
     Q_PROPERTY(QString Wkt READ getWkt STORED false)
@@ -39,7 +33,6 @@ class GdalRasterLayer : public RasterLayer, public ITiledLayer, public IRasterLa
     Q_PROPERTY(QString LayoutKind READ getLayoutKind STORED false)
 public:
     explicit GdalRasterLayer(IRendererClient* client = nullptr);
-    /// Waits for nothing but calls into this object; reads under way end by themselves.
     ~GdalRasterLayer() override;
 
     QString getDataSource() override;
@@ -47,13 +40,8 @@ public:
     /// true while it is still opening, see isValid. The source that was open before is dropped.
     bool setDataSource(QString dataSource) override;
     QIcon getIcon() override;
-    bool isVisible() override;
-    void setVisible(bool v) override;
     QString getFormat() override;
     QString getCoordSysName() override;
-    void setView(int width, int height, double tlx, double tly, double brx, double bry) override;
-    void beginUpdate(bool zoom) override;
-    void endUpdate() override;
     QRectF getBounds() override;
     bool isValid() override;
     /// Why the source did not open, or why a tile could not be read; empty without a failure.
@@ -62,13 +50,9 @@ public:
     QString getProtocol() override;
     qint8 getPercentComplete() override;
     bool readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMessage) override;
-    void paint(GeoPainter& painter, QRectF* world, QRect* device) override;
 
     double getCellSizeX() override;
     double getCellSizeY() override;
-    double getTransparency() override;
-    /// Brought into the range 0 to 1.
-    void setTransparency(double transparency) override;
     int getNumberOfBands() override;
     QVector<qint32> getBandList() override;
     /// One band in grey or three as red, green, blue; bands that the source lacks are left out.
@@ -83,16 +67,10 @@ public:
     QString getTileUrl(unsigned int level, unsigned int tx, unsigned int ty, unsigned int width,
                        unsigned int height, double tlx, double tly, double brx,
                        double bry) override;
-    int getWidth() override;
-    int getHeight() override;
-    double getWorldPerPixelX() override;
-    double getWorldPerPixelY() override;
-    void tileReady(ITileRequest* request) override;
     void tileFailed(ITileRequest* request) override;
     ITileRequest* createTileRequest(const QString& key, const QString& url, unsigned int level,
                                     unsigned int tx, unsigned int ty, double tlx, double tly,
                                     double brx, double bry) override;
-    QString getTileLayerId() override;
 
     QVector<HistogramT<unsigned long long>> getHistograms(bool viewport, bool approximate,
                                                           QSize sampleSize, double tlx, double tly,
@@ -101,14 +79,6 @@ public:
     /// The band list as text, "1,2,3": documents carry it in this form.
     QString getBandsText();
     void setBandsText(const QString& text);
-    bool isProgressive() const;
-    /// false: setView, and setDataSource, return only when everything has come.
-    void setProgressive(bool progressive);
-    bool isAdaptiveRoam() const;
-    /// true: while the view moves, what is missing comes one level coarser.
-    void setAdaptiveRoam(bool adaptive);
-    bool isPixmapSmoothing() const;
-    void setPixmapSmoothing(bool smoothing);
     QString getDriver();
     int getEpsg();
     QString getWkt();
@@ -123,19 +93,6 @@ public:
     /// What is known of the open source, null without one.
     const RasterFacts* facts() const;
 
-    /// The tiles in memory.
-    const TileShelf& tiles() const { return view.tiles(); }
-
-signals:
-    /// A source that was opening in the background is open, or has failed.
-    void sourceOpened(bool ok);
-
-public slots:
-    /// Asks once more for the tiles that the view lacks.
-    void setViewAgain();
-    /// Takes the tiles that have come and asks for a repaint when it is time.
-    void showArrived();
-
 private slots:
     bool takeOpened();
 
@@ -144,21 +101,14 @@ private:
     void adopt(std::shared_ptr<RasterSource> opened);
     bool fail(const QString& reason);
     void restartTiles();
-    void refreshAll();
     QRectF areaToCount(bool viewport, double tlx, double tly, double brx, double bry);
 
     QString dataSource;
     QString lastError;
-    QVector<qint32> bandList; // as chosen; empty for the source's own
-    double transparency = 0.0;
-    bool visible = true;
-    bool viewMayBeStale = false; // it was hidden, and is told nothing of the views meanwhile
-    std::shared_ptr<RasterOpening> opening; // while a source is opening
-    std::shared_ptr<RasterSource> source;   // null while there is none
+    QVector<qint32> bandList;                             // as chosen; empty for the source's own
+    std::shared_ptr<SourceOpening<RasterSource>> opening; // while a source is opening
+    std::shared_ptr<RasterSource> source;                 // null while there is none
     std::shared_ptr<RasterTileLoader> loader;
-    QString tileLayerId;
-    TiledView view;
-    RefreshPacer pacer;
 };
 
 } // namespace Corvane::Map

@@ -65,18 +65,6 @@ QIcon GdalRasterLayer::getIcon()
     return QIcon(QStringLiteral(":/resources/image.png"));
 }
 
-bool GdalRasterLayer::isVisible()
-{
-    return visible;
-}
-
-void GdalRasterLayer::setVisible(bool v)
-{
-    viewMayBeStale = viewMayBeStale || (v && !visible);
-    visible = v;
-    refreshAll();
-}
-
 QString GdalRasterLayer::getFormat()
 {
     return source ? facts()->format : QString();
@@ -117,18 +105,6 @@ double GdalRasterLayer::getCellSizeY()
     return source ? facts()->cellY : 0.0;
 }
 
-double GdalRasterLayer::getTransparency()
-{
-    return transparency;
-}
-
-void GdalRasterLayer::setTransparency(double newTransparency)
-{
-    // written so that a NaN becomes 0
-    transparency = newTransparency > 0.0 ? std::min(newTransparency, 1.0) : 0.0;
-    refreshAll();
-}
-
 int GdalRasterLayer::getNumberOfBands()
 {
     return source ? static_cast<int>(facts()->bands.size()) : 0;
@@ -163,26 +139,6 @@ void GdalRasterLayer::setBandsText(const QString& text)
 QSize GdalRasterLayer::getSize()
 {
     return source ? facts()->size : QSize(0, 0);
-}
-
-int GdalRasterLayer::getWidth()
-{
-    return getSize().width();
-}
-
-int GdalRasterLayer::getHeight()
-{
-    return getSize().height();
-}
-
-double GdalRasterLayer::getWorldPerPixelX()
-{
-    return getCellSizeX();
-}
-
-double GdalRasterLayer::getWorldPerPixelY()
-{
-    return getCellSizeY();
 }
 
 QString GdalRasterLayer::getCellType()
@@ -223,37 +179,6 @@ RasterLayer::ColorSpace GdalRasterLayer::getColorSpace()
         return plain == 3 ? ColorSpace::Rgb : ColorSpace::Multiband;
     }
     return plain <= 1 ? ColorSpace::Greyscale : ColorSpace::Multiband;
-}
-
-bool GdalRasterLayer::isProgressive() const
-{
-    return view.progressive;
-}
-
-void GdalRasterLayer::setProgressive(bool progressive)
-{
-    view.progressive = progressive;
-}
-
-bool GdalRasterLayer::isAdaptiveRoam() const
-{
-    return view.adaptiveRoam;
-}
-
-void GdalRasterLayer::setAdaptiveRoam(bool adaptive)
-{
-    view.adaptiveRoam = adaptive;
-}
-
-bool GdalRasterLayer::isPixmapSmoothing() const
-{
-    return view.smooth;
-}
-
-void GdalRasterLayer::setPixmapSmoothing(bool smoothing)
-{
-    view.smooth = smoothing;
-    refreshAll();
 }
 
 QString GdalRasterLayer::getDriver()

@@ -7,9 +7,6 @@
 #include <QUrl>
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
-#include <condition_variable>
 #include <mutex>
 #include <set>
 
@@ -26,40 +23,6 @@ constexpr GIntBig blockCacheBytes = 16 * mebibyte;
 constexpr int cachedReads = 4;
 constexpr GIntBig leastLargeCache = 64 * mebibyte;
 constexpr GIntBig mostLargeCache = 512 * mebibyte;
-
-constexpr std::chrono::seconds longestWaitAtExit(30);
-
-// One for the process. Its destructor runs before GDAL's own, which the plugin depends on.
-class Activities
-{
-public:
-    void begin()
-    {
-        const std::lock_guard<std::mutex> guard(mutex);
-        ++running;
-    }
-    void end()
-    {
-        const std::lock_guard<std::mutex> guard(mutex);
-        --running;
-        ended.notify_all();
-    }
-    ~Activities()
-    {
-        ending = true;
-        std::unique_lock<std::mutex> guard(mutex);
-        ended.wait_for(guard, longestWaitAtExit, [this] { return running == 0; });
-    }
-
-    std::atomic<bool> ending{false};
-
-private:
-    std::mutex mutex; // guards running
-    std::condition_variable ended;
-    int running = 0;
-};
-
-Activities activities;
 
 std::mutex cacheMutex; // guards wantedBytes and the calls that follow from it
 std::multiset<qint64>& wantedBytes()
@@ -125,21 +88,6 @@ void GdalErrors::collect(CPLErr kind, CPLErrorNum, const char* message)
 QString GdalErrors::text() const
 {
     return error.isEmpty() ? warning : error;
-}
-
-GdalActivity::GdalActivity()
-{
-    activities.begin();
-}
-
-GdalActivity::~GdalActivity()
-{
-    activities.end();
-}
-
-bool GdalActivity::isEnding()
-{
-    return activities.ending;
 }
 
 bool isRemote(const QString& dataSource)

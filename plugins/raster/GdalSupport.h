@@ -37,20 +37,6 @@ private:
     QString warning;
 };
 
-/// Keeps reads inside the life of the process' GDAL: the plugin's last act is to wait for those
-/// that are under way.
-class GdalActivity
-{
-public:
-    GdalActivity();
-    ~GdalActivity();
-    GdalActivity(const GdalActivity&) = delete;
-    GdalActivity& operator=(const GdalActivity&) = delete;
-
-    /// The program is ending: reads stop at the next block.
-    static bool isEnding();
-};
-
 /// Whether the text names a file of this machine, as opposed to a URL or an archive member.
 bool isPlainFile(const QString& dataSource);
 /// Whether reads go over the network.

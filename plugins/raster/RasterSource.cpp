@@ -1,5 +1,6 @@
 #include <plugins/raster/RasterSource.h>
 
+#include <plugins/common/PoolActivity.h>
 #include <plugins/raster/RasterStretch.h>
 
 #include <corvane/core/Application.h>
@@ -33,7 +34,7 @@ qint64 wantedCache(const RasterFacts& facts)
 std::shared_ptr<RasterSource> RasterSource::open(const QString& dataSource, QString* error)
 {
     setUpGdal();
-    const GdalActivity activity;
+    const PoolActivity activity;
     const QString name = gdalName(dataSource);
     const bool remote = isRemote(dataSource);
     std::unique_ptr<RasterHandle> first = openHandle(name, remote, error);

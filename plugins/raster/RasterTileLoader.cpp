@@ -1,13 +1,12 @@
 #include <plugins/raster/RasterTileLoader.h>
 
 #include <plugins/common/MarkedTile.h>
+#include <plugins/common/PoolActivity.h>
 #include <plugins/raster/GdalRasterLayer.h>
 #include <plugins/raster/PixelTransparency.h>
 #include <plugins/raster/RasterSource.h>
 
 #include <corvane/map/GeoImage.h>
-
-#include <QMetaObject>
 
 #include <algorithm>
 #include <utility>
@@ -22,7 +21,7 @@ constexpr unsigned int longestRun = 64; // tiles; bounds the memory of one read
 
 RasterTileLoader::RasterTileLoader(GdalRasterLayer* rasterLayer,
                                    std::shared_ptr<RasterSource> source, BandPlan plan)
-    : layer(rasterLayer),
+    : TileLink(rasterLayer),
       reader(std::move(source), std::move(plan), &exchange.cancelledFlag()),
       runLevels(reader.source().facts().stripLevels())
 {
@@ -37,7 +36,7 @@ bool RasterTileLoader::readsRuns(unsigned int level) const
 
 bool RasterTileLoader::isStopped() const
 {
-    return exchange.isCancelled() || GdalActivity::isEnding();
+    return exchange.isCancelled() || PoolActivity::isEnding();
 }
 
 // The last tiles of a row or column end where the image ends, so they hold no empty margin.
@@ -138,28 +137,6 @@ void RasterTileLoader::deliver(DeliveredTile tile)
         callForRepaint();
         lifeline.leave();
     }
-}
-
-// On a pool thread.
-void RasterTileLoader::callForView()
-{
-    if (!viewCalled.exchange(true)) {
-        QMetaObject::invokeMethod(layer, "setViewAgain", Qt::QueuedConnection);
-    }
-}
-
-// On a pool thread.
-void RasterTileLoader::callForRepaint()
-{
-    if (!repaintCalled.exchange(true)) {
-        QMetaObject::invokeMethod(layer, "showArrived", Qt::QueuedConnection);
-    }
-}
-
-void RasterTileLoader::close()
-{
-    exchange.cancel();
-    lifeline.close();
 }
 
 } // namespace Corvane::Map

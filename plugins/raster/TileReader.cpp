@@ -1,5 +1,6 @@
 #include <plugins/raster/TileReader.h>
 
+#include <plugins/common/PoolActivity.h>
 #include <plugins/raster/PixelTransparency.h>
 #include <plugins/raster/RasterSource.h>
 
@@ -162,7 +163,7 @@ TileReader::Window TileReader::windowFor(unsigned int level, const QRect& pixels
 int TileReader::goOn(double, const char*, void* reader)
 {
     const auto* const self = static_cast<const TileReader*>(reader);
-    const bool stop = (self->cancelled && *self->cancelled) || GdalActivity::isEnding();
+    const bool stop = (self->cancelled && *self->cancelled) || PoolActivity::isEnding();
     return stop ? FALSE : TRUE;
 }
 

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <plugins/common/RefreshPacer.h>
+#include <plugins/common/TiledView.h>
+
+#include <corvane/map/RasterLayer.h>
+#include <corvane/tiles/ITiledLayer.h>
+
+#include <memory>
+
+namespace Corvane::Map {
+
+class TileLink;
+
+/// What the layers of tiles have in common: how they look at their pyramid and paint it, whatever
+/// the tiles are made of. May be deleted at any time.
+class TiledRasterLayer : public RasterLayer, public ITiledLayer
+{
+    Q_OBJECT
+    Q_INTERFACES(Corvane::Map::ITiledLayer)
+    Q_PROPERTY(bool Progressive READ isProgressive WRITE setProgressive)
+    Q_PROPERTY(bool AdaptiveRoam READ isAdaptiveRoam WRITE setAdaptiveRoam)
+    Q_PROPERTY(bool PixmapSmoothing READ isPixmapSmoothing WRITE setPixmapSmoothing)
+public:
+    /// Waits for nothing but calls into this object; requests under way end by themselves.
+    ~TiledRasterLayer() override;
+
+    bool isVisible() override;
+    void setVisible(bool v) override;
+    void setView(int width, int height, double tlx, double tly, double brx, double bry) override;
+    void beginUpdate(bool zoom) override;
+    void endUpdate() override;
+    QRectF getBounds() override = 0;
+    void paint(GeoPainter& painter, QRectF* world, QRect* device) override;
+    /// The data source comes last and once: opening takes time.
+    bool readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMessage) override;
+
+    double getTransparency() override;
+    /// Brought into the range 0 to 1.
+    void setTransparency(double transparency) override;
+
+    int getWidth() override;
+    int getHeight() override;
+    double getWorldPerPixelX() override;
+    double getWorldPerPixelY() override;
+    void tileReady(ITileRequest* request) override;
+    QString getTileLayerId() override;
+
+    bool isProgressive() const;
+    /// false: setView, and setDataSource, return only when everything has come.
+    void setProgressive(bool progressive);
+    bool isAdaptiveRoam() const;
+    /// true: while the view moves, what is missing comes one level coarser.
+    void setAdaptiveRoam(bool adaptive);
+    bool isPixmapSmoothing() const;
+    void setPixmapSmoothing(bool smoothing);
+
+    /// The tiles in memory.
+    const TileShelf& tiles() const { return view.tiles(); }
+
+signals:
+    /// A source that was opening in the background is open, or has failed.
+    void sourceOpened(bool ok);
+
+public slots:
+    /// Asks once more for the tiles that the view lacks.
+    void setViewAgain();
+    /// Takes the tiles that have come and asks for a repaint when it is time.
+    void showArrived();
+
+protected:
+    explicit TiledRasterLayer(IRendererClient* client);
+
+    /// Begins with an empty pyramid over the present bounds, cell sizes and tile size; what is
+    /// under way for the old one is dropped. idPrefix begins the tiles' layer id.
+    void startTiles(std::shared_ptr<TileLink> link, const char* idPrefix, unsigned int tileSize,
+                    bool coarsestIsCheap);
+    /// Drops the pyramid and what is under way. The destructor of a class that starts tiles calls it.
+    void stopTiles();
+    void refreshAll();
+
+    TiledView view;
+
+private:
+    double transparency = 0.0;
+    bool visible = true;
+    bool viewMayBeStale = false; // it was hidden, and is told nothing of the views meanwhile
+    std::shared_ptr<TileLink> link;
+    QString tileLayerId;
+    RefreshPacer pacer;
+};
+
+} // namespace Corvane::Map
