@@ -1,10 +1,10 @@
 #include <plugins/raster/GdalRasterPlugin.h>
 
+#include <plugins/common/MapTarget.h>
 #include <plugins/raster/GdalRasterLayer.h>
 #include <plugins/raster/RasterPropertiesPage.h>
 #include <plugins/raster/ReadFilter.h>
 
-#include <corvane/core/Application.h>
 #include <corvane/map/MapView.h>
 
 #include <gdal.h>
@@ -12,9 +12,6 @@
 #include <QAction>
 #include <QDockWidget>
 #include <QFileDialog>
-#include <QMainWindow>
-#include <QMdiArea>
-#include <QMdiSubWindow>
 #include <QMessageBox>
 #include <QToolBar>
 
@@ -117,39 +114,18 @@ void GdalRasterPlugin::addFiles(const QStringList& files, MapView* view)
                                  tr("Cannot open %1.\n%2").arg(file, layer->getLastError()));
             continue;
         }
-        GdalRasterLayer* const added = layer.release();
-        const bool isFirst = view->getNumberOfLayers() == 0;
-        view->addLayer(added, -1);
-        if (isFirst && !added->isValid()) { // it has no extent yet that could be shown whole
-            connect(added, &GdalRasterLayer::sourceOpened, view, [view, added](bool ok) {
-                if (ok) {
-                    view->zoomToLayer(added);
-                }
-            });
-        }
+        addToView(view, layer.release());
     }
 }
 
 void GdalRasterPlugin::chooseFiles()
 {
-    MapView* const view = activeView();
+    MapView* const view = activeMapView();
     if (!view) {
         return;
     }
     const QString filter = tr("All files (*)") + QStringLiteral(";;") + getReadFilter();
     addFiles(QFileDialog::getOpenFileNames(view, tr("Add raster"), QString(), filter), view);
-}
-
-MapView* GdalRasterPlugin::activeView()
-{
-    QMainWindow* const window =
-        Application::instance() ? Application::instance()->getMainWindow() : nullptr;
-    if (!window) {
-        return nullptr;
-    }
-    const auto* const area = window->findChild<QMdiArea*>();
-    QMdiSubWindow* const active = area ? area->activeSubWindow() : nullptr;
-    return active ? active->findChild<MapView*>() : window->findChild<MapView*>();
 }
 
 } // namespace Corvane::Map

@@ -47,7 +47,6 @@ public:
 
 private:
     void chooseFiles();
-    static MapView* activeView();
 
     bool enabled = true;
     QAction* addAction = nullptr; // owned as a child

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <plugins/raster/GdalRasterLayer.h>
+#include <plugins/common/TiledRasterLayer.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/core/LogMessageHandler.h>
@@ -78,7 +78,7 @@ inline QImage painted(Map::RasterLayer& layer, const PixelView& view)
 }
 
 /// The view with everything in memory.
-inline QImage complete(Map::GdalRasterLayer& layer, const PixelView& view)
+inline QImage complete(Map::TiledRasterLayer& layer, const PixelView& view)
 {
     layer.setProgressive(false);
     view.set(layer);

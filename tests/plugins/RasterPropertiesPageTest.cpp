@@ -1,5 +1,7 @@
 #include <plugins/raster/RasterPropertiesPage.h>
 
+#include <plugins/raster/GdalRasterLayer.h>
+
 #include <tests/plugins/LayerProbe.h>
 #include <tests/plugins/TestRasters.h>
 

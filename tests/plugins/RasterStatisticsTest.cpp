@@ -1,3 +1,5 @@
+#include <plugins/raster/GdalRasterLayer.h>
+
 #include <tests/plugins/LayerProbe.h>
 #include <tests/plugins/TestRasters.h>
 

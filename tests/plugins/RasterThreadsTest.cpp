@@ -1,3 +1,4 @@
+#include <plugins/raster/GdalRasterLayer.h>
 #include <plugins/raster/RasterFacts.h>
 
 #include <tests/plugins/LayerProbe.h>
