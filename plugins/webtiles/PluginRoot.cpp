@@ -1,0 +1,1 @@
+#include <plugins/webtiles/PluginRoot.h>

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <plugins/webtiles/TileTemplate.h>
+
+#include <QString>
+#include <QStringList>
+
+#include <atomic>
+#include <memory>
+#include <optional>
+
+namespace Corvane::Map {
+
+/// What a data source says of its tiles; what it leaves open is for the layer's settings.
+struct WebTileOffer
+{
+    QString url; // with places for the numbers
+    QStringList zoomNames;
+    QStringList hosts;
+    std::optional<int> minZoom;
+    std::optional<int> maxZoom;
+    std::optional<int> tileSize; // pixels
+    QString attribution;
+    QString title;
+};
+
+/// Whether the text can be a source of web tiles: a URL with places, a preset file (*.webtiles), or
+/// the URL of WMTS capabilities.
+bool isWebTileSource(const QString& dataSource);
+
+/// Asks the data source; null with the reason in error. Reads a file or goes to the network, where
+/// it stops once abandoned is true. On a pool thread, save for a URL with places.
+std::shared_ptr<WebTileOffer> askForOffer(const QString& dataSource, const QByteArray& userAgent,
+                                          int deadline, const std::atomic<bool>& abandoned,
+                                          QString* error);
+
+} // namespace Corvane::Map

@@ -1,0 +1,78 @@
+#include <plugins/webtiles/WebTileSource.h>
+
+#include <plugins/webtiles/HttpFetch.h>
+#include <plugins/webtiles/WebMercator.h>
+#include <plugins/webtiles/WebTileOffer.h>
+
+#include <QCoreApplication>
+#include <QStringList>
+#include <QTextDocumentFragment>
+
+#include <algorithm>
+#include <utility>
+
+namespace Corvane::Map {
+
+namespace {
+
+constexpr int usualMaxZoom = 19;
+constexpr int usualTileSize = 256;
+const char* const usualHosts = "a,b,c";
+
+QStringList listOf(const QString& hosts)
+{
+    QStringList names;
+    for (const QString& name : hosts.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        names.append(name.trimmed());
+    }
+    return names;
+}
+
+QString hostsOf(const WebTileOffer& offer, const WebTileSettings& settings)
+{
+    if (!settings.hosts.isEmpty()) {
+        return settings.hosts;
+    }
+    return offer.hosts.isEmpty() ? QString::fromLatin1(usualHosts)
+                                 : offer.hosts.join(QLatin1Char(','));
+}
+
+} // namespace
+
+WebTileSource::WebTileSource(TileTemplate tileUrls, const QString& name)
+    : urls(std::move(tileUrls)),
+      health(name)
+{
+}
+
+std::shared_ptr<WebTileSource> WebTileSource::make(const WebTileOffer& offer,
+                                                   const WebTileSettings& settings,
+                                                   const QString& name, QString* error)
+{
+    const QString hosts = hostsOf(offer, settings);
+    auto urls = TileTemplate::parse(offer.url, listOf(hosts), error);
+    if (!urls) {
+        return nullptr;
+    }
+    urls->setZoomNames(offer.zoomNames);
+    auto source = std::make_shared<WebTileSource>(std::move(*urls), name);
+    const int size = settings.tileSize.value_or(offer.tileSize.value_or(usualTileSize));
+    source->tileSize = size > usualTileSize ? 2 * usualTileSize : usualTileSize;
+    const int finest = WebMercator::finestZoom(source->tileSize);
+    source->maxZoom =
+        std::clamp(settings.maxZoom.value_or(offer.maxZoom.value_or(usualMaxZoom)), 0, finest);
+    source->minZoom =
+        std::clamp(settings.minZoom.value_or(offer.minZoom.value_or(0)), 0, source->maxZoom);
+    source->hosts = hosts;
+    source->userAgent = userAgentWith(settings.userAgentSuffix);
+    source->deadline = static_cast<int>(settings.deadline * 1000.0);
+    return source;
+}
+
+QString plainAttribution(const QString& text)
+{
+    const bool marked = text.contains(QLatin1Char('<')) || text.contains(QLatin1Char('&'));
+    return (marked ? QTextDocumentFragment::fromHtml(text).toPlainText() : text).simplified();
+}
+
+} // namespace Corvane::Map

@@ -1,0 +1,285 @@
+#include <plugins/webtiles/WmtsCapabilities.h>
+
+#include <plugins/webtiles/WebMercator.h>
+#include <plugins/webtiles/WebTileOffer.h>
+
+#include <QCoreApplication>
+#include <QDomDocument>
+#include <QUrl>
+#include <QUrlQuery>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <vector>
+
+namespace Corvane::Map {
+
+namespace {
+
+constexpr double pixelMetres = 0.00028; // that scale denominators count in
+constexpr double scaleTolerance = 1e-3; // relative
+constexpr double originTolerance = 1.0; // metres
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("WmtsCapabilities", text);
+}
+
+// Servers choose their prefixes: elements are found by their local names.
+std::vector<QDomElement> children(const QDomElement& parent, const char* name)
+{
+    std::vector<QDomElement> result;
+    for (QDomElement child = parent.firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement())
+    {
+        if (child.localName() == QLatin1String(name)) {
+            result.push_back(child);
+        }
+    }
+    return result;
+}
+
+QDomElement child(const QDomElement& parent, const char* name)
+{
+    const auto all = children(parent, name);
+    return all.empty() ? QDomElement() : all.front();
+}
+
+QString textOf(const QDomElement& parent, const char* name)
+{
+    return child(parent, name).text().trimmed();
+}
+
+/// A matrix set in the usual grid.
+struct Grid
+{
+    QString name;
+    int tileSize = 0;
+    int minZoom = 0;
+    QStringList zoomNames; // the first is that of zoom 0; empty below minZoom
+};
+
+bool isWebMercator(const QString& crs)
+{
+    return crs.endsWith(QLatin1String(":3857")) || crs.endsWith(QLatin1String(":900913")) ||
+           crs.endsWith(QLatin1String("/3857"));
+}
+
+bool startsAtCorner(const QDomElement& matrix)
+{
+    const QStringList corner = textOf(matrix, "TopLeftCorner").simplified().split(QLatin1Char(' '));
+    return corner.size() == 2 &&
+           std::abs(corner[0].toDouble() + WebMercator::edge) < originTolerance &&
+           std::abs(corner[1].toDouble() - WebMercator::edge) < originTolerance;
+}
+
+// The zoom of a matrix whose cells are those of the usual grid, -1 for any other.
+int zoomOf(const QDomElement& matrix, int tileSize)
+{
+    const double cell = textOf(matrix, "ScaleDenominator").toDouble() * pixelMetres;
+    if (!(cell > 0.0) || tileSize <= 0 || !startsAtCorner(matrix)) {
+        return -1;
+    }
+    const double exact = std::log2(2.0 * WebMercator::edge / (cell * tileSize));
+    const double zoom = std::round(exact);
+    const bool fits = zoom >= 0.0 && zoom <= WebMercator::finestZoom(tileSize) &&
+                      std::abs(std::exp2(exact - zoom) - 1.0) < scaleTolerance;
+    return fits ? static_cast<int>(zoom) : -1;
+}
+
+// Nothing for a set in another grid. Zooms beyond a gap are left out.
+std::optional<Grid> readGrid(const QDomElement& set)
+{
+    if (!isWebMercator(textOf(set, "SupportedCRS"))) {
+        return std::nullopt;
+    }
+    Grid grid;
+    grid.name = textOf(set, "Identifier");
+    QStringList names;
+    for (const QDomElement& matrix : children(set, "TileMatrix")) {
+        const int size = textOf(matrix, "TileWidth").toInt();
+        const int zoom = zoomOf(matrix, size);
+        const bool square = textOf(matrix, "TileHeight").toInt() == size;
+        if (zoom < 0 || !square || (grid.tileSize != 0 && grid.tileSize != size)) {
+            continue;
+        }
+        grid.tileSize = size;
+        while (names.size() <= zoom) {
+            names.append(QString());
+        }
+        names[zoom] = textOf(matrix, "Identifier");
+    }
+    const auto first = std::find_if(names.begin(), names.end(),
+                                    [](const QString& name) { return !name.isEmpty(); });
+    if (first == names.end() || (grid.tileSize != 256 && grid.tileSize != 512)) {
+        return std::nullopt;
+    }
+    grid.minZoom = static_cast<int>(first - names.begin());
+    const auto gap =
+        std::find_if(first, names.end(), [](const QString& name) { return name.isEmpty(); });
+    grid.zoomNames = names.mid(0, static_cast<int>(gap - names.begin()));
+    return grid;
+}
+
+QString styleOf(const QDomElement& layer)
+{
+    const auto styles = children(layer, "Style");
+    for (const QDomElement& style : styles) {
+        if (style.attribute(QStringLiteral("isDefault")) == QLatin1String("true")) {
+            return textOf(style, "Identifier");
+        }
+    }
+    return styles.empty() ? QString() : textOf(styles.front(), "Identifier");
+}
+
+// Of what a tile can be made of, in the order of liking.
+int meritOf(const QString& format)
+{
+    static const char* const liked[] = {"image/png", "image/jpeg", "image/webp", "image/gif"};
+    const auto* const end = std::end(liked);
+    const auto* const entry = std::find_if(std::begin(liked), end, [&format](const char* name) {
+        return format.startsWith(QLatin1String(name));
+    });
+    return entry == end ? 0 : static_cast<int>(end - entry);
+}
+
+QString resourceUrl(const QDomElement& layer, const Grid& grid)
+{
+    QString best;
+    int merit = 0;
+    for (const QDomElement& resource : children(layer, "ResourceURL")) {
+        const int its = meritOf(resource.attribute(QStringLiteral("format")));
+        if (resource.attribute(QStringLiteral("resourceType")) == QLatin1String("tile") &&
+            its > merit) {
+            best = resource.attribute(QStringLiteral("template"));
+            merit = its;
+        }
+    }
+    best.replace(QLatin1String("{TileMatrixSet}"), grid.name, Qt::CaseInsensitive);
+    best.replace(QLatin1String("{Style}"), styleOf(layer), Qt::CaseInsensitive);
+    for (const QDomElement& dimension : children(layer, "Dimension")) {
+        best.replace(QStringLiteral("{%1}").arg(textOf(dimension, "Identifier")),
+                     textOf(dimension, "Default"), Qt::CaseInsensitive);
+    }
+    best.replace(QLatin1String("{TileMatrix}"), QLatin1String("{z}"), Qt::CaseInsensitive);
+    best.replace(QLatin1String("{TileCol}"), QLatin1String("{x}"), Qt::CaseInsensitive);
+    best.replace(QLatin1String("{TileRow}"), QLatin1String("{y}"), Qt::CaseInsensitive);
+    return best;
+}
+
+// Where GetTile takes its arguments from the URL.
+QString getTileAddress(const QDomElement& root)
+{
+    for (const QDomElement& operation : children(child(root, "OperationsMetadata"), "Operation")) {
+        if (operation.attribute(QStringLiteral("name")) != QLatin1String("GetTile")) {
+            continue;
+        }
+        const QDomElement http = child(child(operation, "DCP"), "HTTP");
+        for (const QDomElement& get : children(http, "Get")) {
+            const QString encoding = get.text(); // of its constraint, where it has one
+            if (encoding.isEmpty() || encoding.contains(QLatin1String("KVP"))) {
+                return get.attributeNS(QStringLiteral("http://www.w3.org/1999/xlink"),
+                                       QStringLiteral("href"));
+            }
+        }
+    }
+    return QString();
+}
+
+QString keyValueUrl(const QDomElement& root, const QDomElement& layer, const Grid& grid)
+{
+    const QString address = getTileAddress(root);
+    QString format;
+    for (const QDomElement& offered : children(layer, "Format")) {
+        const QString name = offered.text().trimmed();
+        format = meritOf(name) > meritOf(format) ? name : format;
+    }
+    if (address.isEmpty() || format.isEmpty()) {
+        return QString();
+    }
+    QUrl url(address);
+    QUrlQuery query(url);
+    const auto add = [&query](const char* key, const QString& value) {
+        query.removeAllQueryItems(QLatin1String(key));
+        query.addQueryItem(QLatin1String(key), value);
+    };
+    add("SERVICE", QStringLiteral("WMTS"));
+    add("REQUEST", QStringLiteral("GetTile"));
+    add("VERSION", QStringLiteral("1.0.0"));
+    add("LAYER", textOf(layer, "Identifier"));
+    add("STYLE", styleOf(layer));
+    add("FORMAT", format);
+    add("TILEMATRIXSET", grid.name);
+    url.setQuery(query);
+    return url.toString(QUrl::FullyEncoded) +
+           QStringLiteral("&TILEMATRIX={z}&TILECOL={x}&TILEROW={y}");
+}
+
+std::shared_ptr<WebTileOffer> offerOf(const QDomElement& root, const QDomElement& layer,
+                                      const std::vector<Grid>& grids)
+{
+    for (const QDomElement& link : children(layer, "TileMatrixSetLink")) {
+        const QString name = textOf(link, "TileMatrixSet");
+        const auto grid = std::find_if(grids.begin(), grids.end(),
+                                       [&name](const Grid& known) { return known.name == name; });
+        if (grid == grids.end()) {
+            continue;
+        }
+        const QString rest = resourceUrl(layer, *grid);
+        const QString url = rest.isEmpty() ? keyValueUrl(root, layer, *grid) : rest;
+        if (url.isEmpty()) {
+            continue;
+        }
+        auto offer = std::make_shared<WebTileOffer>();
+        offer->url = url;
+        offer->zoomNames = grid->zoomNames;
+        offer->minZoom = grid->minZoom;
+        offer->maxZoom = grid->zoomNames.size() - 1;
+        offer->tileSize = grid->tileSize;
+        offer->title = textOf(layer, "Title");
+        offer->attribution = textOf(child(root, "ServiceProvider"), "ProviderName");
+        return offer;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::shared_ptr<WebTileOffer> readCapabilities(const QByteArray& document, const QString& layerName,
+                                               QString* error)
+{
+    QDomDocument dom;
+    QString parseError;
+    if (!dom.setContent(document, true, &parseError)) {
+        *error = tr("the capabilities cannot be read: %1").arg(parseError);
+        return nullptr;
+    }
+    const QDomElement root = dom.documentElement();
+    const QDomElement contents = child(root, "Contents");
+    if (root.localName() != QLatin1String("Capabilities") || contents.isNull()) {
+        *error = tr("the document holds no WMTS capabilities");
+        return nullptr;
+    }
+    std::vector<Grid> grids;
+    for (const QDomElement& set : children(contents, "TileMatrixSet")) {
+        if (const auto grid = readGrid(set)) {
+            grids.push_back(*grid);
+        }
+    }
+    bool named = false;
+    for (const QDomElement& layer : children(contents, "Layer")) {
+        if (!layerName.isEmpty() && textOf(layer, "Identifier") != layerName) {
+            continue;
+        }
+        named = true;
+        if (auto offer = offerOf(root, layer, grids)) {
+            return offer;
+        }
+    }
+    *error = named ? tr("no layer comes in Web Mercator tiles")
+                   : tr("there is no layer %1").arg(layerName);
+    return nullptr;
+}
+
+} // namespace Corvane::Map
