@@ -13,7 +13,7 @@ build_packages=(g++ cmake ninja-build ccache pkg-config ca-certificates
     qtbase5-dev libgdal-dev libcurl4-openssl-dev librsvg2-bin libqtpropertybrowser-dev)
 test_packages=(qttools5-dev-tools gdal-bin openssl xvfb xauth)
 check_packages=(clang clang-format clang-tidy libclang-rt-dev shellcheck git)
-bench_packages=(gdal-bin marble-data libbenchmark-dev python3)
+bench_packages=(gdal-bin marble-data libbenchmark-dev python3 nginx-light libnginx-mod-http-echo)
 
 # Debian 12 alone left this package out; the release before it has the version that fits its Qt.
 property_browser=libqtpropertybrowser-dev
