@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QRegularExpression>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QThread>
 
 #include <cstdio>
@@ -41,7 +42,7 @@ http {
     scgi_temp_path scgi;
     server {
         listen 127.0.0.1:%1;
-        root %2;
+        root "%2";
         location /fast/ { try_files /tile.jpg =404; }
         location /slow/ { echo_sleep 0.05; echo_exec /fast/; }
         location /status { stub_status; }
@@ -105,7 +106,9 @@ bool NginxServer::writeFiles()
 bool NginxServer::waitUntilItAnswers() const
 {
     for (int i = 0; i < mostAttempts; ++i) {
-        if (acceptedConnections() > 0) {
+        QTcpSocket socket;
+        socket.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(port));
+        if (socket.waitForConnected()) {
             return true;
         }
         QThread::msleep(attemptPause);

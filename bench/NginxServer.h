@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDir>
 #include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
@@ -25,7 +26,7 @@ private:
     bool writeFiles();
     bool waitUntilItAnswers() const;
 
-    QTemporaryDir folder;
+    QTemporaryDir folder{QDir::tempPath() + "/corvane-bench-XXXXXX"};
     QProcess process;
     int port = 0;
     bool running = false;

@@ -122,17 +122,18 @@ void measure(const NginxServer& server, const QString& place, int tileCount, int
     BenchResult result{"webtiles." + place + "_per_second", "1/s", {}, {}, {"min_ratio", 0.9}};
     BenchResult connections{"webtiles." + place + "_connections", "", {}, {}, {"max", threads}};
     const QString root = server.url() + "/" + place;
+    int opened = 0; // in all rounds
     for (int i = 0; i <= repetitions; ++i) {
         const double bare = bareSeconds(root, tileCount);
         const int before = server.acceptedConnections();
         const double ours = layerSeconds(root, tileCount);
-        const int opened = server.acceptedConnections() - before;
+        opened += server.acceptedConnections() - before;
         if (i > 0) { // the first round starts threads and connections
             result.samples.push_back(tileCount / ours);
             result.limitSamples.push_back(tileCount / bare);
-            connections.samples.push_back(opened);
         }
     }
+    connections.samples.push_back(opened);
     result.print();
     connections.print();
 }
