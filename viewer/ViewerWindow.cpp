@@ -69,7 +69,6 @@ ViewerWindow::ViewerWindow(QWidget* parent)
     connect(area, &QMdiArea::subWindowActivated, this, &ViewerWindow::onSubWindowActivated);
     onSubWindowActivated(nullptr);
     restoreLayout();
-    PluginManager::getFileChooserReadFilter(); // loads the plugins before anyone waits for a file
 }
 
 ViewerWindow::~ViewerWindow()
@@ -160,6 +159,8 @@ void ViewerWindow::createFileMenu()
     addLayerAction->setToolTip(tr("Add files to the current map"));
     connect(addLayerAction, &QAction::triggered, this, [this] { chooseFiles(true); });
 
+    addPluginActions(menu);
+    menu->addSeparator();
     menu->addAction(commands->getSnapshotAction());
     menu->addSeparator();
     closeAction = menu->addAction(tr("&Close"));
@@ -171,6 +172,22 @@ void ViewerWindow::createFileMenu()
     quit->setObjectName("actionQuit");
     quit->setShortcut(QKeySequence("Ctrl+Q"));
     connect(quit, &QAction::triggered, this, &QWidget::close);
+}
+
+/// What the plugins offer to add to the current map; without a map, one is made for it first.
+void ViewerWindow::addPluginActions(QMenu* menu)
+{
+    const auto actions = PluginManager::getLayerPluginAddLayerActions();
+    for (QAction* action : actions) {
+        QAction* entry = menu->addAction(action->icon(), action->text());
+        entry->setObjectName(action->objectName());
+        connect(entry, &QAction::triggered, action, [this, action] {
+            if (!getActiveMapWindow()) {
+                addMapWindow();
+            }
+            action->trigger();
+        });
+    }
 }
 
 void ViewerWindow::createViewMenu()

@@ -44,6 +44,7 @@ protected:
 private:
     void createMenus();
     void createFileMenu();
+    void addPluginActions(QMenu* menu);
     void createViewMenu();
     void createWindowMenu();
     void createHelpMenu();

@@ -20,6 +20,7 @@
 #include <QLineEdit>
 #include <QMdiArea>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QProgressBar>
@@ -49,6 +50,7 @@ private slots:
     void aSingleFileFillsTheArea();
     void theOpenActionOpensWhatIsChosen();
     void theAddLayerActionAddsToTheActiveMap();
+    void aPluginsActionAddsToAMapThatIsMadeForIt();
     void aDropOntoAMapAddsALayer();
     void aDropOntoTheEmptyAreaOpensAWindow();
     void aDropWithShiftAddsToTheActiveMap();
@@ -253,6 +255,30 @@ void ViewerWindowTest::theAddLayerActionAddsToTheActiveMap()
     QCOMPARE(map->windowTitle(), QString("metres.tif"));
     QCOMPARE(map->getView()->getBounds(), bounds);
     QCOMPARE(map->getView()->getLayerAt(1)->getDescription(), QString("degrees.tif"));
+}
+
+void ViewerWindowTest::aPluginsActionAddsToAMapThatIsMadeForIt()
+{
+    QStringList entries;
+    for (const QMenu* menu : window->menuBar()->findChildren<QMenu*>()) {
+        for (const QAction* entry : menu->actions()) {
+            entries << entry->text();
+        }
+    }
+    QVERIFY(entries.contains("Add raster..."));
+
+    bool answered = false;
+    QTimer::singleShot(0, window.get(), [&] {
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        QVERIFY(dialog);
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path("metres.tif"));
+        QTest::keyClick(dialog->findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
+        answered = true;
+    });
+    action("actionAddRaster")->trigger();
+    QVERIFY(answered);
+    QCOMPARE(mapWindows().size(), 1);
+    QTRY_COMPARE(mapWindows().first()->getView()->getNumberOfLayers(), 1);
 }
 
 void ViewerWindowTest::aDropOntoAMapAddsALayer()
