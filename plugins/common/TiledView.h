@@ -86,7 +86,7 @@ private:
     void requestUnderlay();
     void waitForView();
     int levelFor(int deviceWidth, const QRectF& world) const;
-    void setRenderHints(GeoPainter& painter, const QRectF& world, const QRect& device,
+    void setRenderHints(GeoPainter& painter, const QRectF& world, const QRect& device, int level,
                         bool loading) const;
 
     ITiledLayer* layer;  // not owned
