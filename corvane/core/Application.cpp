@@ -27,6 +27,12 @@ const char* const logQtMessagesKey = "Gui/MainWindow/LogQtMessages";
 // Not owned. Atomic because pool threads read it; it guards nothing beyond itself.
 std::atomic<LogMessageHandler*> logMessageHandler{nullptr};
 
+QString& chosenSettingsFile()
+{
+    static QString fileName;
+    return fileName;
+}
+
 } // namespace
 
 Application::Application(int& argc, char** argv, QString applicationName)
@@ -54,6 +60,11 @@ Application::~Application()
     delete settings; // writes the file
     settings = nullptr;
     translators.clear();
+}
+
+void Application::useSettingsFile(const QString& fileName)
+{
+    chosenSettingsFile() = fileName;
 }
 
 QSettings* Application::getSettings()
@@ -191,8 +202,10 @@ void Application::init(QString applicationName)
     applicationName.replace(QLatin1Char(':'), QLatin1Char(' '));
     setApplicationName(applicationName.simplified());
     // The file keeps the name's double spaces: settings written so far stand under it.
-    settings = new QSettings(QSettings::IniFormat, QSettings::UserScope, organizationName(),
-                             applicationName);
+    settings = chosenSettingsFile().isEmpty()
+                   ? new QSettings(QSettings::IniFormat, QSettings::UserScope, organizationName(),
+                                   applicationName)
+                   : new QSettings(chosenSettingsFile(), QSettings::IniFormat);
     setQtLogging(settings->value(logQtMessagesKey, false).toBool());
 }
 

@@ -35,6 +35,10 @@ public:
     /// Clears the log handler, stores the style and flushes the settings.
     ~Application() override;
 
+    /// Has the application object that is made next keep its settings in this INI file; empty for the
+    /// user's own.
+    static void useSettingsFile(const QString& fileName);
+
     /// The store of all settings; owned here, valid while the application object lives.
     QSettings* getSettings();
     /// The first top-level main window, or null. Owned elsewhere.
@@ -48,7 +52,9 @@ public:
 
     /// The application object, or null where it is absent or of another class.
     static Application* instance();
+    /// The version that programs show, as four numbers.
     static QString applicationVersion();
+    /// The same as applicationVersion.
     static QString libraryVersion();
     /// The widget style that is used where the settings name none.
     static QString getNativeSystemStyleName();
@@ -57,6 +63,7 @@ public:
     static void installLogMessageHandler(LogMessageHandler* handler);
     /// Hands the line to the sink unless level is below the sink's own. Any thread.
     static void logMessage(const QString& message, LogLevel level, const QDateTime& time);
+    /// Sets the sink's level; without a sink it does nothing.
     static void setLogLevel(LogLevel level);
     /// The sink's level, Information without one.
     static LogLevel getLogLevel();

@@ -39,6 +39,7 @@ public:
     bool AddDatasetSearchPath(QString path);
     /// Removes the first such entry; false where there is none.
     bool RemoveDatasetSearchPath(QString path);
+    /// The folders added so far, in their order.
     QStringList GetDatasetSearchPath();
     /// The entries joined by ";".
     QString GetDatasetSearchPathAsString();

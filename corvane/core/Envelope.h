@@ -16,10 +16,14 @@ class CORVANE_EXPORT Envelope
 public:
     /// All zero, and so not valid.
     Envelope();
+    /// The corners as they are given.
     Envelope(QPointF& topLeft, QPointF& bottomRight);
+    /// The corners as they are given, in world units.
     Envelope(double tlx, double tly, double brx, double bry);
 
+    /// The corner as it was given.
     const QPointF& topLeft() const;
+    /// The corner as it was given.
     const QPointF& bottomRight() const;
     /// Negative where the right edge lies left of the left one.
     double width() const;
@@ -27,8 +31,11 @@ public:
     double height() const;
     /// These four are right for either orientation.
     double minX() const;
+    /// The larger x of the two corners.
     double maxX() const;
+    /// The smaller y of the two corners.
     double minY() const;
+    /// The larger y of the two corners.
     double maxY() const;
 
     /// Not upside down, not mirrored, and no corner at exactly (0, 0).

@@ -14,6 +14,7 @@ class CORVANE_EXPORT ILayerDataBrowser : public QDialog
 {
     Q_OBJECT
 public:
+    /// The parent owns the dialog; it may be null.
     explicit ILayerDataBrowser(QWidget* parent = nullptr, Qt::WindowFlags flags = {});
     ~ILayerDataBrowser() override;
 

@@ -28,6 +28,7 @@ public:
     virtual QString getHelpUrl() = 0;
     /// File dialog filters, "description (patterns)", several joined by ";;".
     virtual QString getReadFilter() = 0;
+    /// Switches what the plugin offers; layers that are there stay.
     virtual void setEnabled(bool enabled) = 0;
     /// A plugin that is not enabled while it is loaded is left out for good.
     virtual bool isEnabled() = 0;

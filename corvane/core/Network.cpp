@@ -1,5 +1,6 @@
 #include <corvane/core/Network.h>
 
+#include <corvane/core/CertificateFile.h>
 #include <corvane/core/TransferHandles_p.h>
 
 #include <curl/curl.h>
@@ -103,6 +104,10 @@ void setOptions(CURL* handle, const QString& url, const curl_slist* headers, Err
     curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, everyEncoding);
     curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers);
     curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L); // signals and threads do not mix
+    const QByteArray authorities = certificateFile();
+    if (!authorities.isEmpty()) {
+        curl_easy_setopt(handle, CURLOPT_CAINFO, authorities.constData());
+    }
     curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, receiveBufferSize);
     curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, error.data());
     curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &writeChunks);

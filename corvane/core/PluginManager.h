@@ -32,6 +32,7 @@ class CORVANE_EXPORT PluginManager : public QObject
 {
     Q_OBJECT
 public:
+    /// Loads nothing. The parent owns it; it may be null.
     explicit PluginManager(QObject* parent = nullptr);
 
 public slots:
@@ -49,8 +50,11 @@ public slots:
     static QList<QDockWidget*> getDockWidgets();
     /// The pages of the plugins that make exactly this class.
     static QList<QWidget*> getLayerPropertyWidgets(QString classname);
+    /// The actions that add layers; the plugins keep them.
     static QList<QAction*> getLayerPluginAddLayerActions();
+    /// The tool bars; the caller places and owns them.
     static QList<QToolBar*> getLayerPluginToolBars();
+    /// The preference pages; the caller places and owns them.
     static QList<QWidget*> getLayerPluginPrefsPages();
     /// The plugins in load order; not owned.
     static QList<ILayerPluginInfo*> getLayerPluginInfoList();

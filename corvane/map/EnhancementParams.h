@@ -5,12 +5,12 @@ namespace Corvane {
 /// Six values that travel with an image for its layer's plugin, which gives them a meaning.
 struct EnhancementParams
 {
-    double first = 0.0;
-    double second = 1.0;
-    double third = 1.0;
-    double fourth = 45.0;
-    double fifth = 45.0;
-    bool sixth = false;
+    double first = 0.0;   ///< as the plugin has it
+    double second = 1.0;  ///< as the plugin has it
+    double third = 1.0;   ///< as the plugin has it
+    double fourth = 45.0; ///< as the plugin has it
+    double fifth = 45.0;  ///< as the plugin has it
+    bool sixth = false;   ///< as the plugin has it
 };
 
 } // namespace Corvane

@@ -47,18 +47,20 @@ public:
     /// Resampling follows the painter's render hints.
     void paint(QPainter& painter, int x, int y, int w, int h, double wtlx, double wtly, double wbrx,
                double wbry);
+    /// Stores a copy; painting takes no notice.
     void setEnhancementParams(EnhancementParams& params);
+    /// Makes the buffer where there is none yet.
     void updateEnhancementBuffer();
 
     /// World coordinates of the image's corners.
     double tlx = 0.0;
-    double tly = 0.0;
-    double brx = 0.0;
-    double bry = 0.0;
+    double tly = 0.0; ///< world y of the top edge
+    double brx = 0.0; ///< world x of the right edge
+    double bry = 0.0; ///< world y of the bottom edge
 
 protected:
-    unsigned char* enhancementBuffer = nullptr; // owned, one byte
-    EnhancementParams enhancementParams;        // for layers that draw from a subclass
+    unsigned char* enhancementBuffer = nullptr; ///< owned, one byte
+    EnhancementParams enhancementParams;        ///< for layers that draw from a subclass
 
 private:
     void clearPixels();

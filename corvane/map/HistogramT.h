@@ -16,7 +16,9 @@ class HistogramT
 {
 public:
     HistogramT() = default;
+    /// Copies the counts.
     HistogramT(const HistogramT& other) { *this = other; }
+    /// Copies the counts.
     HistogramT& operator=(const HistogramT& other)
     {
         if (this == &other) {
@@ -49,11 +51,11 @@ public:
     unsigned long long minimum = 0;    ///< smallest value
     unsigned long long peakCount = 0;  ///< largest count
     unsigned long long totalCount = 0; ///< pixels counted
-    double mean = 0.0;
-    double median = 0.0;
-    double standardDeviation = 0.0;
-    double mode = 0.0;
-    QString bandName; ///< may be empty
+    double mean = 0.0;                 ///< in units of the band
+    double median = 0.0;               ///< in units of the band
+    double standardDeviation = 0.0;    ///< in units of the band
+    double mode = 0.0;                 ///< the most frequent value
+    QString bandName;                  ///< may be empty
 };
 
 // Made once, in the library: records outlive the plugin that filled them, so their destructor must

@@ -11,6 +11,7 @@ namespace Corvane::Map {
 class CORVANE_EXPORT IClient
 {
 public:
+    /// What a press and a drag of the pointer do.
     enum PointerMode : qint32
     {
         Roam = 0,    ///< dragging moves the world under the pointer
@@ -19,6 +20,7 @@ public:
         Point = 3    ///< the pointer reads coordinates, extents do not change
     };
 
+    /// How a map window follows others; maps with the same mode are linked.
     enum GeolinkMode : qint32
     {
         GeolinkNone = 0,
@@ -28,10 +30,13 @@ public:
 
     /// An interactive change of extent starts; zoom is false for roaming.
     virtual void beginClientUpdate(bool zoom) = 0;
+    /// The interactive change is over.
     virtual void endClientUpdate() = 0;
     /// The world extents are now these, in map units. The flag is false at every call.
     virtual void onExtentChange(double tlx, double tly, double brx, double bry, bool flag) = 0;
+    /// The mode that was set last.
     virtual GeolinkMode getGeolinkMode() = 0;
+    /// A plain store.
     virtual void setGeolinkMode(GeolinkMode mode) = 0;
 
 protected:

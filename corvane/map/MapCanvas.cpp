@@ -2,11 +2,11 @@
 
 #include <corvane/core/PluginManager.h>
 #include <corvane/map/Layer.h>
+#include <corvane/map/WholeUnits_p.h>
 
 #include <QUuid>
 
 #include <algorithm>
-#include <cmath>
 
 namespace Corvane::Map {
 
@@ -19,12 +19,6 @@ constexpr int notFound = -1;
 bool isShown(Layer* layer)
 {
     return layer && layer->isVisible() && layer->isValid();
-}
-
-/// The value without its fraction, and without the sign of a zero.
-double wholeUnits(double value)
-{
-    return std::trunc(value) + 0.0;
 }
 
 } // namespace

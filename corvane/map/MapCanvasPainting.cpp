@@ -3,6 +3,7 @@
 #include <corvane/map/GeoPainter.h>
 #include <corvane/map/Layer.h>
 
+#include <QPaintDevice>
 #include <QPointF>
 #include <QRect>
 
@@ -56,7 +57,7 @@ void MapCanvas::paint(GeoPainter& painter, QRectF* world, QRect* device)
     const double scale = scaleOf(*world, *device);
     for (Layer* layer : qAsConst(layers)) {
         if (isShownAtScale(layer, scale)) {
-            layer->paint(painter, world, device);
+            paintLayer(layer, painter, world, device);
         }
     }
     if (drawLayerBBox) {
@@ -69,6 +70,35 @@ void MapCanvas::paint(GeoPainter& painter, QRectF* world, QRect* device)
 
     paintSideList(overlayLayers, painter, world, device);
     painter.restore();
+}
+
+void MapCanvas::paintLayer(Layer* layer, GeoPainter& painter, QRectF* world, QRect* device)
+{
+    const bool onScreen = painter.device()->devType() == QInternal::Widget;
+    if (!onScreen || layer != clippedLayer) {
+        layer->paint(painter, world, device);
+    } else if (!screenClip.isEmpty()) {
+        painter.save();
+        painter.setClipRect(screenClip, Qt::IntersectClip);
+        layer->paint(painter, world, device);
+        painter.restore();
+    }
+}
+
+void MapCanvas::setScreenClip(Layer* layer, const QRect& device)
+{
+    clippedLayer = layer;
+    screenClip = layer ? device : QRect();
+}
+
+Layer* MapCanvas::getClippedLayer() const
+{
+    return clippedLayer;
+}
+
+QRect MapCanvas::getScreenClip() const
+{
+    return screenClip;
 }
 
 // The brush stays as the layers left it, so a box may come out filled.

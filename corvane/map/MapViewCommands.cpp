@@ -41,6 +41,7 @@ void MapView::onMapAction(MapControl action)
     const QRectF before = bounds;
     if (useAnimation) {
         beginClientUpdate(false);
+        extentAnimation.stop(); // one that runs would jump to where the new curve has it
         // stays set, for the wheel and the double click as well
         extentAnimation.setEasingCurve(QEasingCurve::OutQuad);
         animateBounds(before, targetOf(action));

@@ -2,6 +2,7 @@
 
 #include <corvane/map/Layer.h>
 #include <corvane/map/MapCanvas.h>
+#include <corvane/map/ViewManager.h>
 
 namespace Corvane::Map {
 
@@ -144,6 +145,25 @@ QString MapView::getDescription()
 void MapView::setDescription(QString desc)
 {
     mapCanvas->setDescription(desc);
+}
+
+bool MapView::loadMapXML(QDomDocument& theDoc, QDir& baseDir, QString* pErrorMessage)
+{
+    if (!mapCanvas->loadMapXML(theDoc, baseDir, pErrorMessage)) {
+        return false;
+    }
+    // The canvas gives whole units, so a view comes back without its fractions.
+    // MapDocumentTest::theExtentsComeBackInWholeUnits holds it.
+    const QRectF saved = mapCanvas->getBounds();
+    viewManager->init(0, 0, width(), height(), saved.left(), saved.top(), saved.right(),
+                      saved.bottom());
+    emit mapExtentsChanged(saved.left(), saved.top(), saved.right(), saved.bottom());
+    return true;
+}
+
+QDomDocument* MapView::saveMapXML()
+{
+    return mapCanvas->saveMapXML();
 }
 
 } // namespace Corvane::Map

@@ -21,6 +21,7 @@ class CORVANE_EXPORT RasterLayer : public Layer
     Q_PROPERTY(QString CellType READ getCellType STORED false)
     Q_PROPERTY(bool Opacity READ getOpacity STORED false)
 public:
+    /// What the numbers of a cell are.
     enum class CellType : int
     {
         Unknown = 0,
@@ -37,6 +38,7 @@ public:
     };
     Q_ENUM(CellType)
 
+    /// What the bands mean together.
     enum class ColorSpace : int
     {
         Rgb = 0,
@@ -46,6 +48,7 @@ public:
     };
     Q_ENUM(ColorSpace)
 
+    /// client is asked for repaints; it may be null and is not owned.
     explicit RasterLayer(IRendererClient* client);
     ~RasterLayer() override;
 
@@ -55,10 +58,13 @@ public:
     virtual double getCellSizeY() = 0;
     /// 0 opaque to 1 invisible.
     virtual double getTransparency() = 0;
+    /// 0 opaque to 1 invisible.
     virtual void setTransparency(double transparency) = 0;
+    /// Of the source, shown or not.
     virtual int getNumberOfBands() = 0;
     /// The bands that are shown, counted from 1.
     virtual QVector<qint32> getBandList() = 0;
+    /// Counted from 1; what a list of another length shows is the plugin's to say.
     virtual void setBandList(QVector<qint32> bands) = 0;
     /// Full-resolution size in pixels.
     virtual QSize getSize() = 0;
@@ -70,8 +76,10 @@ public:
     virtual double getNoDataValue() = 0;
     /// Degrees, counter-clockwise.
     virtual double getRotation() = 0;
+    /// ColorSpace::Unknown where nothing is known.
     virtual ColorSpace getColorSpace() = 0;
 
+    /// The name of the colour space, for people.
     QString colorSpaceToString();
 };
 

@@ -12,11 +12,12 @@ namespace Corvane::Map {
 class CORVANE_EXPORT SpatialReference
 {
 public:
+    /// Stores the code; true.
     virtual bool setEpsg(int code);
     /// "epsg:4326"
     virtual QString toString();
 
-    qint32 epsg = 0;
+    qint32 epsg = 0; ///< 0 where it is not known
 };
 
 } // namespace Corvane::Map

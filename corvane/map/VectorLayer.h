@@ -17,12 +17,17 @@ class CORVANE_EXPORT VectorLayer : public Layer
     Q_PROPERTY(QPen pen READ getPen WRITE setPen)
     Q_PROPERTY(QBrush brush READ getBrush WRITE setBrush)
 public:
+    /// client is asked for repaints; it may be null and is not owned.
     explicit VectorLayer(IRendererClient* client);
     ~VectorLayer() override;
 
+    /// For lines and outlines.
     QPen getPen();
+    /// A plain store: who sets it asks for a repaint.
     void setPen(QPen& pen);
+    /// For areas.
     QBrush getBrush();
+    /// A plain store: who sets it asks for a repaint.
     void setBrush(QBrush& brush);
 
 protected:
@@ -34,12 +39,17 @@ protected:
     static QDomElement brushToXML(QDomDocument& doc, QBrush& brush);
     /// A default brush where the element is no brush.
     static QBrush brushFromXML(QDomElement& element);
+    /// Holds the gradient's type and nothing else.
     static QDomElement gradientToXML(QDomDocument& doc, QGradient* gradient);
+    /// A default gradient.
     static QGradient gradientFromXML(QDomElement& element);
     /// An unknown name gives the style with the value 0; so with the three below.
     static Qt::BrushStyle brushStyleFromString(QString& name);
+    /// The case of letters counts.
     static Qt::PenStyle penStyleFromString(QString& name);
+    /// The case of letters counts.
     static Qt::PenCapStyle penCapStyleFromString(QString& name);
+    /// The case of letters counts.
     static Qt::PenJoinStyle penJoinStyleFromString(QString& name);
 
 private:

@@ -31,28 +31,40 @@ public:
     /// Grows the rectangle to the device's shape and stores it; fire tells the clients.
     /// False, with nothing changed, where both corners are the same point.
     bool setWorldExtents(double tlx, double tly, double brx, double bry, bool fire);
+    /// In map units. No pointer may be null.
     void getWorldExtents(double* tlx, double* tly, double* brx, double* bry);
+    /// Pixels to map units. No pointer may be null.
     void convertDeviceToWorld(int x, int y, double* wx, double* wy);
+    /// Map units to pixels, rounded; halves go up. No pointer may be null.
     void convertWorldToDevice(double wx, double wy, int* x, int* y) const;
     /// Stores the value and tells the clients; no conversion applies it.
     void setRotation(double rotation);
 
+    /// Read afresh at each of the three pointer calls.
     void setPointerMode(IClient::PointerMode mode);
+    /// The mode that was set last.
     IClient::PointerMode getPointerMode();
     /// The view that leads in a geolink; stored, never called and not owned.
     void setMasterClient(IClient* client);
+    /// The view that was set last; the constructor's client before that.
     IClient* getMasterClient();
 
     /// Appends the client and tells it the extents; false where it is attached already.
     bool attach(IClient* client);
     /// Removes the client and in any case takes it out of its geolink.
     void detach(IClient* client);
+    /// Opens a bracket of interactive changes towards all clients.
     void beginClientUpdate();
+    /// Closes it.
     void endClientUpdate();
+    /// Tells all clients the extents, in the order in which they were attached.
     void fireExtentChange();
 
+    /// A gesture starts at this pixel.
     void pointerDown(int x, int y);
+    /// The gesture goes on; what it does depends on the pointer mode.
     void pointerMove(int x, int y);
+    /// The gesture ends; a box zoom happens here.
     void pointerUp(int x, int y);
 
 private:

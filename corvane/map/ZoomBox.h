@@ -21,6 +21,7 @@ public:
     /// Draws the box unless a coordinate is -1; widget is not used.
     virtual void paint(QPainter& painter, QWidget* widget);
 
+    /// Two opposite corners; a -1 hides the box.
     void setRect(int x0, int y0, int x1, int y1);
 
 private:

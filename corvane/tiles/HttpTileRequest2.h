@@ -17,7 +17,9 @@ public:
     explicit HttpTileRequest2(QUrl url = QUrl(), QObject* parent = nullptr);
     ~HttpTileRequest2() override;
 
+    /// What is fetched; may be changed in place before the request is queued.
     QUrl& getUrl();
+    /// What is fetched.
     void setUrl(QUrl newUrl);
 
 private:

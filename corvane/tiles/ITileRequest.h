@@ -35,27 +35,31 @@ public:
     /// Sets the flag and does nothing else. Any thread.
     virtual void cancel();
 
+    /// The tile's key, as LayerLevel::getTileKey makes it.
     QString& getKey();
     /// The result, not owned: the layer takes it in tileReady.
     GeoImage* getImage();
+    /// The level's number, 0 for full resolution.
     unsigned int getLayerLevel();
+    /// The tile's column.
     unsigned int getX();
+    /// The tile's row.
     unsigned int getY();
 
 protected:
-    double tlx;
-    double tly;
-    double brx;
-    double bry;
-    QString key;
-    GeoImage* image = nullptr;
-    ITiledLayer* layer;
-    unsigned int level;
-    unsigned int x;
-    unsigned int y;
-    unsigned int width;
-    unsigned int height;
-    RelaxedFlag cancelled;
+    double tlx;                ///< world rectangle, left
+    double tly;                ///< world rectangle, top
+    double brx;                ///< right; processTile may correct it
+    double bry;                ///< bottom; processTile may correct it
+    QString key;               ///< the tile's key
+    GeoImage* image = nullptr; ///< the result, not owned
+    ITiledLayer* layer;        ///< whom to call back, not owned
+    unsigned int level;        ///< 0 for full resolution
+    unsigned int x;            ///< column
+    unsigned int y;            ///< row
+    unsigned int width;        ///< expected pixels across
+    unsigned int height;       ///< expected pixels down
+    RelaxedFlag cancelled;     ///< set by cancel, looked at between slow steps
 
 private:
     void deliver(bool made);

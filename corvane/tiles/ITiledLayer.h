@@ -29,6 +29,7 @@ public:
                                double brx, double bry) = 0;
     /// Full-resolution size in pixels.
     virtual int getWidth() = 0;
+    /// Full-resolution size in pixels, on y.
     virtual int getHeight() = 0;
     /// World units per full-resolution pixel; positive.
     virtual double getWorldPerPixelX() = 0;
@@ -50,7 +51,7 @@ public:
 protected:
     ~ITiledLayer() = default;
 
-    LayerLevels levels;
+    LayerLevels levels; ///< the pyramid; empty until the layer starts it
 };
 
 } // namespace Corvane::Map

@@ -33,6 +33,7 @@ public:
     double getLevel();
     /// World units across one tile, with the sign of the layer's cell size.
     double getWorldPerTileX();
+    /// The same on y: negative for a north-up image.
     double getWorldPerTileY();
     /// "l=0;tx=1;ty=2;lyr=ID"
     QString getTileKey(unsigned int tx, unsigned int ty);
@@ -51,6 +52,7 @@ public:
     void purgeTiles(double tlx, double tly, double brx, double bry);
     /// Names the tiles in the log; keeps every tile.
     void purgeAll();
+    /// Draws the tiles of the world rectangle that are in memory.
     void paint(GeoPainter& painter, QRectF* world, QRect* device);
 
 private:

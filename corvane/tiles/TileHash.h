@@ -17,7 +17,7 @@ template <typename T>
 class TileHash
 {
 public:
-    using Entry = std::pair<QString, T*>;
+    using Entry = std::pair<QString, T*>; ///< a key and its value
 
     TileHash() = default;
     TileHash(const TileHash&) = delete;
@@ -107,6 +107,7 @@ public:
     /// their operations on the hash so far.
     void synchronize() const { const std::lock_guard<std::mutex> guard(mutex); }
 
+    /// Makes room for so many entries.
     void reserve(int size)
     {
         const std::lock_guard<std::mutex> guard(mutex); // guards entries

@@ -32,7 +32,9 @@ public:
 
     /// In the terms of the OGC standard; the library calls none of the four.
     virtual QString getIdentifier() = 0;
+    /// The name of the coordinate reference system.
     virtual QString getSupportedCRS() = 0;
+    /// The name of the scale set; empty without one.
     virtual QString getWellKnownScaleSet() = 0;
     /// World rectangle; the height is negative for a north-up set.
     virtual QRectF getBoundingBox() = 0;
@@ -47,6 +49,7 @@ protected:
     /// Shared by all sets; null until a derived class assigns them. A manager takes over the cache
     /// that it is given.
     static QSharedPointer<QNetworkAccessManager> networkManager;
+    /// Shared by all sets; null until a derived class assigns it.
     static QSharedPointer<QNetworkDiskCache> diskCache;
 
 private slots:

@@ -17,13 +17,17 @@ public:
     TileRequest2& operator=(const TileRequest2& other) = default;
     virtual ~TileRequest2();
 
+    /// The flag as it was set.
     bool getCancel();
     /// Keeps the flag; nothing in the library looks at it.
     void setCancel(bool newCancel);
     /// False: nothing in the library sets it.
     bool isProcessing();
+    /// The tile's key; empty until one is set.
     QString getKey();
+    /// A plain store.
     void setKey(QString newKey);
+    /// Not owned; null until one is set.
     TileMatrixSet* getTileMatrix();
     /// The set is not owned.
     void setTileMatrix(TileMatrixSet* newTileMatrix);

@@ -17,6 +17,7 @@ class ITileRequest;
 class CORVANE_EXPORT TileRequestRegistry
 {
 public:
+    /// The one registry, made when the library loads. Any thread.
     static TileRequestRegistry& instance();
 
     /// Registers and starts the request, unless one of the same key is queued or running: then the

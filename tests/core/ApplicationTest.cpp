@@ -118,6 +118,7 @@ private slots:
     void colonsBecomeSpacesInTheProgramsName();
     void settingsAreAnIniFileOfTheUser();
     void settingsAreWrittenWhenTheProgramEnds();
+    void settingsAreKeptInTheFileThatIsChosen();
     void aMissingSettingsFileIsAnEmptyStore();
     void instanceIsTheApplicationOrNull();
     void instanceIsNullForAnApplicationOfAnotherClass();
@@ -243,6 +244,23 @@ void ApplicationTest::settingsAreWrittenWhenTheProgramEnds()
     QCOMPARE(stored("Viewer", "Test/key").toInt(), 17);
     const Program next("Viewer");
     QCOMPARE(next->getSettings()->value("Test/key").toInt(), 17);
+}
+
+void ApplicationTest::settingsAreKeptInTheFileThatIsChosen()
+{
+    const QString chosen = QDir::current().absoluteFilePath("chosen.ini");
+    QFile::remove(chosen);
+    Application::useSettingsFile(chosen);
+    {
+        const Program program("Viewer");
+        QCOMPARE(program->getSettings()->fileName(), chosen);
+        program->getSettings()->setValue("Test/key", 18);
+    }
+    Application::useSettingsFile(QString());
+    QCOMPARE(QSettings(chosen, QSettings::IniFormat).value("Test/key").toInt(), 18);
+    QVERIFY(!QFile::exists(settingsFileOf("Viewer")));
+    const Program next("Viewer");
+    QCOMPARE(next->getSettings()->fileName(), settingsFileOf("Viewer"));
 }
 
 void ApplicationTest::aMissingSettingsFileIsAnEmptyStore()

@@ -112,6 +112,7 @@ private slots:
     void aCommandWithAnimationRunsToItsTarget();
     void commandsEndSlowlyAndLeaveTheirCurveBehind();
     void aCommandDuringAnAnimationStartsWhereItStands();
+    void aCommandDuringATurnOfTheWheelDoesNotJump();
     void zoomToAllAsACommand();
     void animatedZoomToAllAsACommand();
     void anUnknownCommandMovesNothing();
@@ -121,8 +122,11 @@ private slots:
     void keysRunCommands();
     void keysRunAnimatedCommands_data();
     void keysRunAnimatedCommands();
+    void aKeyDuringAnAnimationStartsWhereItStands();
     void homeShowsAllLayers();
+    void homeIsAnimatedFromWholeUnits();
     void endShowsTheFirstLayerOneToOne();
+    void endIsAnimated();
     void endOnAnEmptyMapDoesNothing();
     void otherKeysAreIgnored_data();
     void otherKeysAreIgnored();
@@ -137,6 +141,7 @@ private slots:
 
     void zoomToAllLayersShowsTheUnion();
     void zoomToAllLayersIsAnimatedFromWholeUnits();
+    void zoomToAllLayersKeepsTheCurve();
     void zoomToAllLayersIsNotAnimatedUnlessWanted();
     void zoomToAllLayersLeavesAnEmptyMap_data();
     void zoomToAllLayersLeavesAnEmptyMap();
@@ -229,6 +234,23 @@ void MapViewCommandsTest::aCommandDuringAnAnimationStartsWhereItStands()
     QCOMPARE(j.steps(), QStringList({"a beginUpdate roam"}) + set("37.5 100 137.5 0") +
                             set("87.5 100 187.5 0") +
                             QStringList({"a endUpdate", "extents 87.5 100 187.5 0"}));
+}
+
+void MapViewCommandsTest::aCommandDuringATurnOfTheWheelDoesNotJump()
+{
+    JournalView j(Motion::Animated);
+    wheel(*j.view, QPointF(50, 50), 120);
+    j.runTo(100); // half the time is a quarter of the way
+    QCOMPARE(j.extents(), QStringLiteral("6.25 93.75 93.75 6.25"));
+    j.journal.clear();
+
+    j.view->onMapAction(MapView::MapPanRight);
+    QCOMPARE(j.steps(), QStringList({"a beginUpdate roam"}) + set("6.25 93.75 93.75 6.25"));
+    j.journal.clear();
+
+    j.runTo(200);
+    QCOMPARE(j.journal, set("50 93.75 137.5 6.25") +
+                            QStringList({"a endUpdate", "extents 50 93.75 137.5 6.25"}));
 }
 
 void MapViewCommandsTest::zoomToAllAsACommand()
@@ -325,16 +347,41 @@ void MapViewCommandsTest::keysRunAnimatedCommands()
              set(target) + QStringList({"a endUpdate", QStringLiteral("extents ") + target}));
 }
 
+void MapViewCommandsTest::aKeyDuringAnAnimationStartsWhereItStands()
+{
+    JournalView j(Motion::Animated);
+    sendKey(*j.view, Qt::Key_Plus, false);
+    j.runTo(100);
+    j.journal.clear();
+
+    QVERIFY(sendKey(*j.view, Qt::Key_Minus, false));
+    j.runTo(200);
+
+    QCOMPARE(j.steps(), QStringList({"a beginUpdate roam"}) + set("18.75 81.25 81.25 18.75") +
+                            set("-12.5 112.5 112.5 -12.5") +
+                            QStringList({"a endUpdate", "extents -12.5 112.5 112.5 -12.5"}));
+}
+
 void MapViewCommandsTest::homeShowsAllLayers()
 {
     JournalView j(Motion::Direct);
     j.layer->bounds = world(10.0, 60.0, 60.0, 10.0);
     QVERIFY(sendKey(*j.view, Qt::Key_Home, false));
     QCOMPARE(j.journal, set("10 60 60 10") + QStringList({"extents 10 60 60 10"}));
+}
 
-    JournalView animated(Motion::Animated);
-    QVERIFY(sendKey(*animated.view, Qt::Key_Home, false));
-    QVERIFY(animated.isAnimating());
+void MapViewCommandsTest::homeIsAnimatedFromWholeUnits()
+{
+    JournalView j(Motion::Animated);
+    j.layer->bounds = world(10.0, 60.0, 60.0, 10.0);
+    j.showAgain(0.5, 100.5, 100.5, 0.5);
+
+    QVERIFY(sendKey(*j.view, Qt::Key_Home, false));
+    QCOMPARE(j.steps(), set("0 100 100 0"));
+    j.journal.clear();
+
+    j.runTo(200);
+    QCOMPARE(j.journal, set("10 60 60 10") + QStringList({"a endUpdate", "extents 10 60 60 10"}));
 }
 
 void MapViewCommandsTest::endShowsTheFirstLayerOneToOne()
@@ -351,6 +398,24 @@ void MapViewCommandsTest::endShowsTheFirstLayerOneToOne()
 
         QCOMPARE(j.extents(), QStringLiteral("24.75 75.25 75.25 24.75"));
     }
+}
+
+void MapViewCommandsTest::endIsAnimated()
+{
+    JournalView j(Motion::Animated);
+    auto* raster = new TestRasterLayer;
+    raster->cellSizeX = 0.5;
+    raster->cellSizeY = -0.5;
+    j.view->addLayer(raster, 0);
+    j.journal.clear();
+
+    QVERIFY(!sendKey(*j.view, Qt::Key_End, false));
+    QCOMPARE(j.steps(), QStringList({"a beginUpdate zoom"}) + set("0 100 100 0"));
+    j.journal.clear();
+
+    j.runTo(200);
+    QCOMPARE(j.journal, set("24.75 75.25 75.25 24.75") +
+                            QStringList({"a endUpdate", "extents 24.75 75.25 75.25 24.75"}));
 }
 
 void MapViewCommandsTest::endOnAnEmptyMapDoesNothing()
@@ -480,6 +545,15 @@ void MapViewCommandsTest::zoomToAllLayersIsAnimatedFromWholeUnits()
 
     j.runTo(200);
     QCOMPARE(j.journal, set("10 60 60 10") + QStringList({"a endUpdate", "extents 10 60 60 10"}));
+}
+
+void MapViewCommandsTest::zoomToAllLayersKeepsTheCurve()
+{
+    JournalView j(Motion::Animated);
+    j.layer->bounds = world(40.0, 140.0, 140.0, 40.0);
+    QVERIFY(j.view->zoomToAllLayers());
+    j.runTo(100); // half the time is a quarter of the way, as at first
+    QCOMPARE(j.extents(), QStringLiteral("10 110 110 10"));
 }
 
 void MapViewCommandsTest::zoomToAllLayersIsNotAnimatedUnlessWanted()

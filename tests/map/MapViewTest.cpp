@@ -266,7 +266,10 @@ void MapViewTest::declaresItsCommandsInOrder()
                           "getRotation() ",
                           "getDescription() ",
                           "setDescription(QString) desc",
-                          "getLayers() "}));
+                          "getLayers() ",
+                          "loadMapXML(QDomDocument&,QDir&,QString*) theDoc baseDir pErrorMessage",
+                          "loadMapXML(QDomDocument&,QDir&) theDoc baseDir",
+                          "saveMapXML() "}));
 }
 
 void MapViewTest::namesTheMapControls()
