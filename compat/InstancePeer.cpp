@@ -32,9 +32,9 @@ QString userName()
 }
 
 // Short, because the path of a Unix socket holds about a hundred characters.
-QString socketNameOf(const QString& id)
+QString socketNameOf(const QString& id, const QString& scope)
 {
-    const QByteArray identity = id.toUtf8() + '\0' + userName().toUtf8();
+    const QByteArray identity = id.toUtf8() + '\0' + userName().toUtf8() + '\0' + scope.toUtf8();
     const QByteArray hash = QCryptographicHash::hash(identity, QCryptographicHash::Sha256);
     return QStringLiteral("single-") + QString::fromLatin1(hash.toHex().left(24));
 }
@@ -88,20 +88,14 @@ bool isAcknowledged(QLocalSocket& socket, const QDeadlineTimer& deadline)
 
 } // namespace
 
-InstancePeer::InstancePeer(const QString& id)
-    : applicationId(id),
-      socketName(socketNameOf(id)),
+InstancePeer::InstancePeer(const QString& id, const QString& scope)
+    : socketName(socketNameOf(id, scope)),
       lock(QDir(QDir::tempPath()).filePath(socketName + QStringLiteral(".lock")))
 {
     lock.setStaleLockTime(0); // stale only when its process is gone, however long that runs
 }
 
 InstancePeer::~InstancePeer() = default;
-
-QString InstancePeer::id() const
-{
-    return applicationId;
-}
 
 bool InstancePeer::isLater()
 {

@@ -9,7 +9,7 @@
 class QLocalServer;
 class QLocalSocket;
 
-/// The meeting point of all instances with one id and one user. Whoever holds the lock file is the
+/// The meeting point of all instances with one id, one scope and one user. Whoever holds the lock file is the
 /// first instance and listens on a local socket; the system tells by the lock whether that
 /// instance still lives. A message travels as QDataStream writes a QString, a byte count and then
 /// UTF-16, and is answered by a short acknowledgement once it is whole.
@@ -17,10 +17,9 @@ class InstancePeer : public QObject
 {
     Q_OBJECT
 public:
-    explicit InstancePeer(const QString& id);
+    InstancePeer(const QString& id, const QString& scope);
     ~InstancePeer() override;
 
-    QString id() const;
     /// False where this is the first instance, or has just become it.
     bool isLater();
     /// Waits up to timeout milliseconds, -1 for ever, for the acknowledgement.
@@ -34,7 +33,6 @@ private:
     void acceptConnections();
     void receive(QLocalSocket* socket);
 
-    QString applicationId;
     QString socketName;
     QLockFile lock;
     std::unique_ptr<QLocalServer> server; // after lock: the socket goes before the lock is free

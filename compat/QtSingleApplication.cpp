@@ -4,31 +4,49 @@
 
 #include <QWidget>
 
+namespace {
+
+/// What the windows of this program stand on; screens of one X server are one display.
+QString displayName()
+{
+    const QString platform = QGuiApplication::platformName();
+    if (platform == QLatin1String("xcb")) {
+        const QString display = qEnvironmentVariable("DISPLAY");
+        const int screen = display.lastIndexOf(QLatin1Char('.'));
+        return platform +
+               (screen > display.lastIndexOf(QLatin1Char(':')) ? display.left(screen) : display);
+    }
+    if (platform.startsWith(QLatin1String("wayland"))) {
+        return platform + qEnvironmentVariable("WAYLAND_DISPLAY");
+    }
+    return platform;
+}
+
+} // namespace
+
 QtSingleApplication::QtSingleApplication(int& argc, char** argv, bool GUIenabled)
     : QApplication(argc, argv),
-      peer(std::make_unique<InstancePeer>(applicationFilePath()))
+      applicationId(applicationFilePath())
 {
     Q_UNUSED(GUIenabled)
-    connectPeer();
 }
 
 QtSingleApplication::QtSingleApplication(const QString& id, int& argc, char** argv)
     : QApplication(argc, argv),
-      peer(std::make_unique<InstancePeer>(id))
+      applicationId(id)
 {
-    connectPeer();
 }
 
 QtSingleApplication::~QtSingleApplication() = default;
 
 bool QtSingleApplication::isRunning()
 {
-    return peer->isLater();
+    return meet()->isLater();
 }
 
 QString QtSingleApplication::id() const
 {
-    return peer->id();
+    return applicationId;
 }
 
 void QtSingleApplication::setActivationWindow(QWidget* window, bool activateOnMessage)
@@ -55,7 +73,7 @@ void QtSingleApplication::initialize(bool dummy)
 
 bool QtSingleApplication::sendMessage(const QString& message, int timeout)
 {
-    return peer->send(message, timeout);
+    return meet()->send(message, timeout);
 }
 
 void QtSingleApplication::activateWindow()
@@ -68,8 +86,14 @@ void QtSingleApplication::activateWindow()
     windowToActivate->activateWindow();
 }
 
-void QtSingleApplication::connectPeer()
+InstancePeer* QtSingleApplication::meet()
 {
-    connect(peer.get(), &InstancePeer::messageReceived, this,
-            &QtSingleApplication::messageReceived);
+    if (!peer) {
+        const QString scope =
+            displayName() + QLatin1Char('\n') + property("instanceScope").toString();
+        peer = std::make_unique<InstancePeer>(applicationId, scope);
+        connect(peer.get(), &InstancePeer::messageReceived, this,
+                &QtSingleApplication::messageReceived);
+    }
+    return peer.get();
 }

@@ -16,8 +16,9 @@
 class InstancePeer;
 class QWidget;
 
-/// A QApplication that knows the other running instances of its program and user: the first one
-/// receives the messages of the later ones. GUI thread only.
+/// A QApplication that knows the other running instances of its program, user and display: the first
+/// one receives the messages of the later ones. The text of the dynamic property "instanceScope", set
+/// before the first question about instances, parts them further. GUI thread only.
 class QTSINGLEAPPLICATION_EXPORT QtSingleApplication : public QApplication
 {
     Q_OBJECT
@@ -57,8 +58,9 @@ signals:
     void messageReceived(const QString& message);
 
 private:
-    void connectPeer();
+    InstancePeer* meet();
 
-    std::unique_ptr<InstancePeer> peer;
+    QString applicationId;
+    std::unique_ptr<InstancePeer> peer; // from the first question on
     QPointer<QWidget> windowToActivate;
 };

@@ -99,7 +99,9 @@ int runChild(const QString& id)
         const QString word = line.section(' ', 0, 0);
         const QString rest = line.section(' ', 1);
         bool result = false;
-        if (word == "running") {
+        if (word == "scope") {
+            result = !instance->setProperty("instanceScope", rest); // false: it is a new property
+        } else if (word == "running") {
             result = instance->isRunning();
         } else if (word == "send") {
             result = instance->sendMessage(rest);
@@ -141,6 +143,7 @@ private slots:
     void anEmptyMessageArrives();
     void messagesOfSeveralInstancesArrive();
     void differentIdsDoNotMeet();
+    void instancesOfOtherScopesDoNotMeet();
     void initializingTakesTheFirstPlace();
     void thePlaceIsFreeAfterAnOrderlyEnd();
     void aDeadFirstInstanceIsReplaced();
@@ -271,6 +274,21 @@ void QtSingleApplicationTest::differentIdsDoNotMeet()
     QCOMPARE(child.ask("send lost"), "false");
     QCoreApplication::processEvents();
     QCOMPARE(spy.count(), 0);
+}
+
+void QtSingleApplicationTest::instancesOfOtherScopesDoNotMeet()
+{
+    const Instance instance("a");
+    instance->setProperty("instanceScope", "one");
+    QVERIFY(!instance->isRunning());
+    Child none("a");
+    QCOMPARE(none.ask("running"), "false");
+    Child other("a");
+    other.ask("scope two");
+    QCOMPARE(other.ask("running"), "false");
+    Child same("a");
+    same.ask("scope one");
+    QCOMPARE(same.ask("running"), "true");
 }
 
 void QtSingleApplicationTest::initializingTakesTheFirstPlace()
