@@ -1,9 +1,10 @@
 #pragma once
 
-namespace Corvane::Map {
+#include <corvane/map/MapView.h>
 
-class MapView;
-class TiledRasterLayer;
+#include <QObject>
+
+namespace Corvane::Map {
 
 /// The map that the user works with: that of the main window's active child window, else its only
 /// one; null without any. GUI thread only.
@@ -11,6 +12,18 @@ MapView* activeMapView();
 
 /// Puts the layer on top, which the view then owns; the first layer of a view is shown whole, later
 /// on where it is still opening. GUI thread only.
-void addToView(MapView* view, TiledRasterLayer* layer);
+template <typename OpeningLayer>
+void addToView(MapView* view, OpeningLayer* layer)
+{
+    const bool isFirst = view->getNumberOfLayers() == 0;
+    view->addLayer(layer, -1);
+    if (isFirst && !layer->isValid()) { // it has no extent yet that could be shown whole
+        QObject::connect(layer, &OpeningLayer::sourceOpened, view, [view, layer](bool ok) {
+            if (ok) {
+                view->zoomToLayer(layer);
+            }
+        });
+    }
+}
 
 } // namespace Corvane::Map

@@ -10,6 +10,8 @@ namespace Corvane::Map {
 
 namespace {
 
+const char* const mark = "unreadable"; // travels with the pixels
+
 QImage draw(int edge)
 {
     QImage image(edge, edge, QImage::Format_RGB32);
@@ -19,6 +21,8 @@ QImage draw(int edge)
     painter.setPen(QPen(QColor(0xc0, 0x20, 0x20), 3));
     painter.drawLine(0, 0, edge - 1, edge - 1);
     painter.drawLine(edge - 1, 0, 0, edge - 1);
+    painter.end();
+    image.setText(mark, mark);
     return image;
 }
 
@@ -38,6 +42,11 @@ QImage markedTile(int edge)
     const QImage image = draw(edge);
     const std::lock_guard<std::mutex> guard(mutex);
     return images.emplace(edge, image).first->second;
+}
+
+bool isMarkedTile(const QImage& image)
+{
+    return !image.text(mark).isEmpty();
 }
 
 } // namespace Corvane::Map

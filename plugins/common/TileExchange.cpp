@@ -55,7 +55,6 @@ void TileExchange::giveUp(const TileId& tile)
 {
     const std::lock_guard<std::mutex> guard(mutex);
     asked.erase(tile);
-    news.notify_all();
 }
 
 std::vector<TileId> TileExchange::owedInRow(const TileId& tile)
@@ -87,12 +86,18 @@ bool TileExchange::wasAskedMeanwhile(const TileId& tile)
 
 void TileExchange::deliver(const TileId& tile, std::unique_ptr<GeoImage> image)
 {
-    const std::lock_guard<std::mutex> guard(mutex);
-    asked.erase(tile);
-    if (!cancelled) {
-        delivered.push_back({tile, std::move(image)});
+    bool isEnough = false;
+    {
+        const std::lock_guard<std::mutex> guard(mutex);
+        asked.erase(tile);
+        if (!cancelled) {
+            delivered.push_back({tile, std::move(image)});
+        }
+        isEnough = delivered.size() >= awaited;
     }
-    news.notify_all();
+    if (isEnough) {
+        news.notify_all();
+    }
 }
 
 std::vector<DeliveredTile> TileExchange::takeDelivered()
@@ -105,11 +110,13 @@ std::vector<DeliveredTile> TileExchange::takeDelivered()
     return std::exchange(delivered, {});
 }
 
-bool TileExchange::waitForNews(int milliseconds)
+bool TileExchange::waitForNews(std::size_t enough, int milliseconds)
 {
     std::unique_lock<std::mutex> guard(mutex);
+    awaited = enough;
     news.wait_for(guard, std::chrono::milliseconds(milliseconds),
-                  [this] { return viewAsked || !delivered.empty(); });
+                  [=] { return viewAsked || delivered.size() >= enough; });
+    awaited = nobodyWaits;
     return std::exchange(viewAsked, false);
 }
 

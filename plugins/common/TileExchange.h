@@ -4,6 +4,8 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstddef>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <unordered_set>
@@ -54,9 +56,10 @@ public:
     /// What came since the last call. On the layer's thread.
     std::vector<DeliveredTile> takeDelivered();
 
-    /// Waits until a tile came, a request asks for the view, or the time is over. True where the
-    /// view is to be set again. On the layer's thread.
-    bool waitForNews(int milliseconds);
+    /// Waits until so many tiles have come, a request asks for the view, or the time is over. True
+    /// where the view is to be set again. On the layer's thread, which nobody wakes before: each
+    /// time would take a moment from those who make the tiles.
+    bool waitForNews(std::size_t enough, int milliseconds);
 
     /// Makes the caller the only one who reads runs of tiles of this layer; false where there is
     /// one, who will bring the caller's tile as well.
@@ -72,6 +75,8 @@ public:
     const std::atomic<bool>& cancelledFlag() const { return cancelled; }
 
 private:
+    static constexpr std::size_t nobodyWaits = std::numeric_limits<std::size_t>::max();
+
     bool isWanted(const TileId& tile) const;
     void waitForAsking(std::unique_lock<std::mutex>& guard);
 
@@ -82,6 +87,7 @@ private:
     std::vector<TileRange> wanted;
     std::unordered_set<TileId, TileIdHash> asked;
     std::vector<DeliveredTile> delivered;
+    std::size_t awaited = nobodyWaits; // tiles
     bool asking = false;
     bool readingRuns = false;
     bool viewAsked = false;

@@ -24,6 +24,12 @@ void TileLink::callForRepaint()
     }
 }
 
+// On a pool thread.
+void TileLink::callForRetry()
+{
+    QMetaObject::invokeMethod(layer, "startRetrying", Qt::QueuedConnection);
+}
+
 void TileLink::close()
 {
     exchange.cancel();

@@ -31,6 +31,9 @@ public:
     void viewCallHeard() { viewCalled = false; }
     /// Tells the layer that tiles were delivered. The caller is inside the lifeline.
     void callForRepaint();
+    /// Tells a layer with a slot startRetrying that something was put off. The caller is inside the
+    /// lifeline.
+    void callForRetry();
     void repaintCallHeard() { repaintCalled = false; }
 
     /// Nothing is delivered any more, and the layer is not touched once this returns.

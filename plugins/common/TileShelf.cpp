@@ -38,7 +38,12 @@ void TileShelf::clear(unsigned int newTileSize)
 void TileShelf::add(const TileId& tile, std::unique_ptr<GeoImage> image)
 {
     LayerLevel* const level = levels->value(static_cast<int>(tile.level), nullptr);
-    if (!level || !image || has(tile)) {
+    if (!level || !image) {
+        return;
+    }
+    if (GeoImage* const present = find(tile)) { // which the level holds on to
+        totalBytes += bytesIn(*image) - bytesIn(*present);
+        *present = *image;
         return;
     }
     if (tiles.size() <= tile.level) {

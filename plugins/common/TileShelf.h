@@ -29,7 +29,9 @@ public:
     /// Deletes the pyramid's levels with their tiles. tileSize, in pixels, is that of the levels to
     /// come.
     void clear(unsigned int tileSize);
-    /// Puts the image into its level; one that is there already stays and the new one is dropped.
+    /// Pixels of a tile each way.
+    unsigned int edge() const { return tileSize; }
+    /// Puts the image into its level, in the place of one that is there already.
     void add(const TileId& tile, std::unique_ptr<GeoImage> image);
     /// The tile in memory or null.
     GeoImage* find(const TileId& tile) const;

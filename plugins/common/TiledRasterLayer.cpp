@@ -1,8 +1,13 @@
 #include <plugins/common/TiledRasterLayer.h>
 
+#include <plugins/common/DeviceRect.h>
+#include <plugins/common/LayerElement.h>
 #include <plugins/common/LinkedTileRequest.h>
+#include <plugins/common/OpeningPatience.h>
+#include <plugins/common/PrintedPicture.h>
 #include <plugins/common/TileLink.h>
 
+#include <corvane/core/Integer.h>
 #include <corvane/map/GeoImage.h>
 #include <corvane/map/GeoPainter.h>
 
@@ -10,11 +15,14 @@
 #include <QRect>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace Corvane::Map {
 
 namespace {
+
+constexpr double millisecondsPerSecond = 1000.0;
 
 QString newTileLayerId(const char* prefix)
 {
@@ -29,6 +37,7 @@ TiledRasterLayer::TiledRasterLayer(IRendererClient* client)
       view(this, &levels),
       pacer([this] { refreshAll(); })
 {
+    view.repaint = [this] { refreshAll(); };
 }
 
 TiledRasterLayer::~TiledRasterLayer() = default;
@@ -42,6 +51,7 @@ void TiledRasterLayer::startTiles(std::shared_ptr<TileLink> newLink, const char*
     }
     link = std::move(newLink);
     tileLayerId = newTileLayerId(idPrefix);
+    tileEdge = tileSize;
     view.start(std::shared_ptr<TileExchange>(link, &link->exchange), tileSize, coarsestIsCheap);
 }
 
@@ -120,22 +130,28 @@ void TiledRasterLayer::paint(GeoPainter& painter, QRectF* world, QRect* device)
     viewMayBeStale = false;
     const double opacity = painter.opacity();
     painter.setOpacity(opacity * (1.0 - transparency));
-    view.paint(painter, world, device);
+    if (isPrinting(painter)) {
+        const QRectF bounds = getBounds();
+        const QRect covered =
+            deviceRect({world->left(), world->top(), world->left() + world->width(),
+                        world->top() + world->height()},
+                       *device, {bounds.left(), bounds.top(), bounds.right(), bounds.bottom()});
+        paintPrintedPicture(painter, *world, *device, view.shownPart(*world, *device) & covered,
+                            [&](GeoPainter& page) { view.paint(page, world, device); });
+    } else {
+        view.paint(painter, world, device);
+    }
     painter.setOpacity(opacity);
 }
 
 bool TiledRasterLayer::readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMessage)
 {
-    QDomNode node = theNode.cloneNode();
-    QDomElement child = node.firstChildElement(QStringLiteral("param"));
-    while (!child.isNull()) {
-        const QDomElement next = child.nextSiblingElement(QStringLiteral("param"));
-        if (child.attribute(QStringLiteral("name")) == QLatin1String("DataSource")) {
-            node.removeChild(child);
-        }
-        child = next;
+    QDomNode node = withoutSourceProperty(theNode);
+    const OpeningPatience::Document document;
+    if (!RasterLayer::readXML(node, baseDir, pErrorMessage) && pErrorMessage) {
+        tellWhyNotOpen(node, *this, pErrorMessage);
     }
-    return RasterLayer::readXML(node, baseDir, pErrorMessage);
+    return true;
 }
 
 double TiledRasterLayer::getTransparency()
@@ -153,6 +169,32 @@ void TiledRasterLayer::setTransparency(double newTransparency)
 int TiledRasterLayer::getWidth()
 {
     return getSize().width();
+}
+
+QRectF TiledRasterLayer::getMissingArea()
+{
+    return areaOf(view.missingTiles());
+}
+
+QRectF TiledRasterLayer::getUnreadableArea()
+{
+    return areaOf(view.unreadableTiles());
+}
+
+/// The last tiles of a row or column end where the image ends.
+QRectF TiledRasterLayer::areaOf(const TileRange& tiles)
+{
+    if (tiles.isEmpty()) {
+        return QRectF();
+    }
+    const QRectF all = getBounds();
+    const double scale = std::ldexp(double(tileEdge), int(tiles.level));
+    const double tileWidth = getCellSizeX() * scale;
+    const double tileHeight = getCellSizeY() * scale;
+    const QPointF first(all.left() + tiles.left * tileWidth, all.top() + tiles.top * tileHeight);
+    const QPointF last(std::min(all.left() + (tiles.right + 1.0) * tileWidth, all.right()),
+                       std::max(all.top() + (tiles.bottom + 1.0) * tileHeight, all.bottom()));
+    return QRectF(first, last);
 }
 
 int TiledRasterLayer::getHeight()
@@ -211,6 +253,29 @@ void TiledRasterLayer::setPixmapSmoothing(bool smoothing)
 {
     view.smooth = smoothing;
     refreshAll();
+}
+
+double TiledRasterLayer::getWaitLimit() const
+{
+    return view.waitLimit / millisecondsPerSecond;
+}
+
+void TiledRasterLayer::setWaitLimit(double seconds)
+{
+    constexpr double longest = 1.0e6; // seconds
+    hasOwnWaitLimit = seconds >= 0.0; // not a NaN either
+    view.waitLimit =
+        hasOwnWaitLimit
+            ? Util::roundToInt(std::ceil(std::min(seconds, longest) * millisecondsPerSecond))
+            : sourceWaitLimit;
+}
+
+void TiledRasterLayer::setSourceWaitLimit(int milliseconds)
+{
+    sourceWaitLimit = milliseconds;
+    if (!hasOwnWaitLimit) {
+        view.waitLimit = milliseconds;
+    }
 }
 
 } // namespace Corvane::Map

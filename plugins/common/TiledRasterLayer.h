@@ -21,6 +21,7 @@ class TiledRasterLayer : public RasterLayer, public ITiledLayer
     Q_PROPERTY(bool Progressive READ isProgressive WRITE setProgressive)
     Q_PROPERTY(bool AdaptiveRoam READ isAdaptiveRoam WRITE setAdaptiveRoam)
     Q_PROPERTY(bool PixmapSmoothing READ isPixmapSmoothing WRITE setPixmapSmoothing)
+    Q_PROPERTY(double WaitLimit READ getWaitLimit WRITE setWaitLimit STORED false)
 public:
     /// Waits for nothing but calls into this object; requests under way end by themselves.
     ~TiledRasterLayer() override;
@@ -32,7 +33,9 @@ public:
     void endUpdate() override;
     QRectF getBounds() override = 0;
     void paint(GeoPainter& painter, QRectF* world, QRect* device) override;
-    /// The data source comes last and once: opening takes time.
+    /// The data source comes last and once: opening takes time. Always true: a layer that does not
+    /// open stays in its map, not valid, so that saving the map does not lose it. Why it does not is
+    /// a line of pErrorMessage, which may be null.
     bool readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMessage) override;
 
     double getTransparency() override;
@@ -46,6 +49,12 @@ public:
     void tileReady(ITileRequest* request) override;
     QString getTileLayerId() override;
 
+    /// What the present view lacks: the world rectangle around the tiles that have not come; null for
+    /// none.
+    Q_INVOKABLE QRectF getMissingArea();
+    /// The same of the tiles that cannot be read, and are shown as such.
+    Q_INVOKABLE QRectF getUnreadableArea();
+
     bool isProgressive() const;
     /// false: setView, and setDataSource, return only when everything has come.
     void setProgressive(bool progressive);
@@ -54,6 +63,11 @@ public:
     void setAdaptiveRoam(bool adaptive);
     bool isPixmapSmoothing() const;
     void setPixmapSmoothing(bool smoothing);
+    double getWaitLimit() const;
+    /// How long setView of a layer that is not progressive may wait for the next tile, in seconds; 0 for
+    /// as long as it takes, a negative number for what the source deserves. A print goes on without
+    /// what has not come by then.
+    void setWaitLimit(double seconds);
 
     /// The tiles in memory.
     const TileShelf& tiles() const { return view.tiles(); }
@@ -77,16 +91,23 @@ protected:
                     bool coarsestIsCheap);
     /// Drops the pyramid and what is under way. The destructor of a class that starts tiles calls it.
     void stopTiles();
+    /// What holds until somebody sets a limit, in milliseconds.
+    void setSourceWaitLimit(int milliseconds);
     void refreshAll();
 
     TiledView view;
 
 private:
+    QRectF areaOf(const TileRange& tiles);
+
     double transparency = 0.0;
     bool visible = true;
-    bool viewMayBeStale = false; // it was hidden, and is told nothing of the views meanwhile
+    bool viewMayBeStale = false;  // it was hidden, and is told nothing of the views meanwhile
+    int sourceWaitLimit = 0;      // milliseconds
+    bool hasOwnWaitLimit = false; // it was set, and goes before the source's
     std::shared_ptr<TileLink> link;
     QString tileLayerId;
+    unsigned int tileEdge = 0; // pixels
     RefreshPacer pacer;
 };
 

@@ -1,5 +1,7 @@
 #include <plugins/common/TiledView.h>
 
+#include <plugins/common/DeviceRect.h>
+#include <plugins/common/MarkedTile.h>
 #include <plugins/common/TileExchange.h>
 #include <plugins/common/UnderlayPainter.h>
 
@@ -22,12 +24,15 @@ namespace Corvane::Map {
 
 namespace {
 
-constexpr int restMilliseconds = 100; // without a new view, after which the full level is fetched
+constexpr int restMilliseconds = 100; // without a new view: the full level is fetched and smoothed
 constexpr int waitSliceMilliseconds = 100;
 constexpr double ownResolution = 0.998; // device pixels for each pixel of a level
 // Levels from the view's own to the coarsest below which fetching that one first is not worth it:
 // it would come hardly sooner than the view itself.
 constexpr unsigned int leastUnderlayDistance = 2;
+// So many times the tiles of the view's own pixels are more than the cells of any image need that are
+// longer one way than the other: the view's world is torn out of shape, and a coarser level will do.
+constexpr double mostTilesForOne = 64.0;
 
 bool isIn(const TileRange& range, const TileId& tile)
 {
@@ -44,6 +49,9 @@ TiledView::TiledView(ITiledLayer* tiledLayer, LayerLevels* pyramid)
     roamTimer.setSingleShot(true);
     roamTimer.setInterval(restMilliseconds);
     QObject::connect(&roamTimer, &QTimer::timeout, &roamTimer, [this] { request(false); });
+    moveTimer.setSingleShot(true);
+    moveTimer.setInterval(restMilliseconds);
+    QObject::connect(&moveTimer, &QTimer::timeout, &moveTimer, [this] { smoothAtRest(); });
     TileBudget::instance().add(this);
 }
 
@@ -65,10 +73,13 @@ void TiledView::start(std::shared_ptr<TileExchange> newExchange, unsigned int ti
 void TiledView::stop()
 {
     roamTimer.stop();
+    moveTimer.stop();
+    owesSmoothing = false;
     exchange.reset();
     shelf.clear(0);
     viewSet = false;
     owesFullLevel = false;
+    gaveUpWaiting = false;
     chosen = TileRange();
     coarser = TileRange();
     underlay = TileRange();
@@ -85,9 +96,12 @@ void TiledView::setView(int newWidth, int newHeight, double newTlx, double newTl
     brx = newBrx;
     bry = newBry;
     viewSet = true;
+    moveTimer.start();
     TileBudget::instance().viewed(this);
     request(updating && adaptiveRoam && progressive);
-    if (!progressive) {
+    if (progressive) {
+        gaveUpWaiting = false;
+    } else {
         waitForView();
     }
 }
@@ -95,6 +109,11 @@ void TiledView::setView(int newWidth, int newHeight, double newTlx, double newTl
 bool TiledView::showsView(int otherWidth, int otherHeight, const QRectF& world) const
 {
     return viewSet && otherWidth == width && otherHeight == height && world == getWorld();
+}
+
+bool TiledView::wants(const TileId& tile) const
+{
+    return viewSet && (isIn(chosen, tile) || isIn(underlay, tile));
 }
 
 void TiledView::askAgain()
@@ -129,6 +148,7 @@ void TiledView::takeDelivered()
         shelf.add(tile.tile, std::move(tile.image));
     }
     if (!tiles.empty()) {
+        gaveUpWaiting = false;
         TileBudget::instance().enforce();
     }
 }
@@ -138,7 +158,7 @@ void TiledView::updateRanges()
     chosen = TileRange();
     coarser = TileRange();
     underlay = TileRange();
-    const int level = levelFor(width, getWorld());
+    const int level = levelFor(width, height, getWorld());
     if (level < 0) {
         return;
     }
@@ -181,7 +201,7 @@ void TiledView::request(bool roaming)
         requestCoarser();
         roamTimer.start();
     } else {
-        levels->setView(width, height, tlx, tly, brx, bry);
+        askForChosen();
     }
     exchange->endAsking();
 }
@@ -215,25 +235,41 @@ void TiledView::requestUnderlay()
 // Blocks the layer's thread, without an event loop: printing wants the whole view at once.
 void TiledView::waitForView()
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (exchange && shelf.countMissing(chosen) > 0) {
-        if (waitLimit > 0 && clock.elapsed() > waitLimit) {
-            return;
-        }
-        const bool askAgainNow = exchange->waitForNews(waitSliceMilliseconds);
+    QElapsedTimer sinceLastTile;
+    sinceLastTile.start();
+    const int slice =
+        waitLimit > 0 ? std::min(waitLimit, waitSliceMilliseconds) : waitSliceMilliseconds;
+    for (int missing = shelf.countMissing(chosen); exchange && missing > 0 && !gaveUpWaiting;) {
+        const auto half = static_cast<std::size_t>(missing + 1) / 2;
+        const bool askAgainNow = exchange->waitForNews(half, slice);
         takeDelivered();
+        const int stillMissing = shelf.countMissing(chosen);
+        if (stillMissing < missing) {
+            sinceLastTile.start();
+        }
+        missing = stillMissing;
         const Waiting waiting = whileWaiting ? whileWaiting() : Waiting::GoOn;
         if (waiting == Waiting::GiveUp) {
             return;
         }
         if (askAgainNow || waiting == Waiting::AskAgain) {
-            levels->setView(width, height, tlx, tly, brx, bry);
+            askForChosen();
         }
+        gaveUpWaiting = missing > 0 && waitLimit > 0 && sinceLastTile.elapsed() >= waitLimit;
     }
 }
 
-int TiledView::levelFor(int deviceWidth, const QRectF& world) const
+void TiledView::askForChosen()
+{
+    if (chosen.level == static_cast<unsigned int>(levelByWidth(width, getWorld()))) {
+        levels->setView(width, height, tlx, tly, brx, bry);
+    } else {
+        levels->at(static_cast<int>(chosen.level))->setView(tlx, tly, brx, bry);
+    }
+}
+
+// The pyramid's own choice, for which only the width counts.
+int TiledView::levelByWidth(int deviceWidth, const QRectF& world) const
 {
     LayerLevel* const level =
         levels->getLayerLevel(deviceWidth, 0, world.left(), world.top(),
@@ -241,31 +277,86 @@ int TiledView::levelFor(int deviceWidth, const QRectF& world) const
     return level ? static_cast<int>(level->getLevel()) : -1;
 }
 
-// While tiles are on their way the view is painted for each few of them: smoothing waits until the
-// last has come, lest painting take the time from reading.
+// A view without pixels shows no level.
+int TiledView::levelFor(int deviceWidth, int deviceHeight, const QRectF& world) const
+{
+    if (deviceWidth <= 0 || deviceHeight <= 0 || levels->isEmpty()) {
+        return -1;
+    }
+    const double edge = shelf.edge();
+    const double most = mostTilesForOne * (deviceWidth / edge + 2.0) * (deviceHeight / edge + 2.0);
+    int level = levelByWidth(deviceWidth, world);
+    while (level + 1 < levels->size() &&
+           static_cast<double>(shelf
+                                   .rangeOf(static_cast<unsigned int>(level), world.left(),
+                                            world.top(), world.left() + world.width(),
+                                            world.top() + world.height())
+                                   .count()) > most)
+    {
+        ++level;
+    }
+    return level;
+}
+
+// While the view moves, or tiles are on their way, it is painted again and again: on the screen
+// smoothing waits for rest, lest painting take the time from reading and from the next frame.
 // At about its own resolution a level stays crisp: dropping one pixel in hundreds costs less, to the
 // eye and in time, than blurring all of them.
 void TiledView::setRenderHints(GeoPainter& painter, const QRectF& world, const QRect& device,
-                               int level, bool loading) const
+                               int level, bool loading)
 {
     const double devicePerPixel =
         layer->getWorldPerPixelX() * std::ldexp(1.0, level) * device.width() / world.width();
-    const bool crisp = devicePerPixel > ownResolution;
-    painter.setRenderHint(QPainter::SmoothPixmapTransform,
-                          smooth && !crisp && !(loading && progressive));
+    const bool smoothable = smooth && devicePerPixel <= ownResolution;
+    const bool onScreen = painter.device()->devType() == QInternal::Widget;
+    const bool waits = onScreen && progressive && (loading || moveTimer.isActive());
+    if (onScreen) {
+        owesSmoothing = smoothable && waits && !loading;
+    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, smoothable && !waits);
+}
+
+void TiledView::smoothAtRest()
+{
+    if (owesSmoothing && repaint) {
+        repaint();
+    }
+}
+
+// Printing sets strips of the page's width with its left edge, and paints the page.
+bool TiledView::isStripOf(const QRectF& world, const QRect& device) const
+{
+    return !progressive && viewSet && width == device.width() && tlx == world.left() &&
+           world != getWorld();
+}
+
+QRect TiledView::shownPart(const QRectF& world, const QRect& device) const
+{
+    return isStripOf(world, device)
+               ? deviceRect({world.left(), world.top(), world.left() + world.width(),
+                             world.top() + world.height()},
+                            device, {tlx, tly, brx, bry})
+               : device;
 }
 
 void TiledView::paint(GeoPainter& painter, QRectF* world, QRect* device)
 {
     takeDelivered();
-    const int level = levelFor(device->width(), *world);
-    if (level < 0) {
+    const QRect part = shownPart(*world, *device);
+    const bool isStrip = isStripOf(*world, *device);
+    const int level = isStrip ? static_cast<int>(chosen.level)
+                              : levelFor(device->width(), device->height(), *world);
+    if (level < 0 || part.isEmpty()) {
         return;
     }
-    const TileRange range = shelf.rangeOf(static_cast<unsigned int>(level), world->left(),
-                                          world->top(), world->right(), world->bottom());
+    const TileRange range = isStrip ? chosen
+                                    : shelf.rangeOf(static_cast<unsigned int>(level), world->left(),
+                                                    world->top(), world->right(), world->bottom());
     const bool loading = shelf.countMissing(range) > 0;
     painter.save();
+    if (isStrip) {
+        painter.setClipRect(part, Qt::IntersectClip);
+    }
     setRenderHints(painter, *world, *device, level, loading);
     if (loading) {
         UnderlayPainter underlayPainter(shelf, *world, *device, layer->getBounds());
@@ -281,8 +372,23 @@ void TiledView::paint(GeoPainter& painter, QRectF* world, QRect* device)
         underlayPainter.paint(painter, range, static_cast<unsigned int>(levels->size()),
                               tileBounds);
     }
-    levels->paint(painter, world, device);
+    if (isStrip || level != levelByWidth(device->width(), *world)) {
+        paintImages(painter, range, *world, *device);
+    } else {
+        levels->paint(painter, world, device);
+    }
     painter.restore();
+}
+
+// Of the strip's own level, or that of a view out of shape: the pyramid's choice may differ.
+void TiledView::paintImages(GeoPainter& painter, const TileRange& range, const QRectF& world,
+                            const QRect& device) const
+{
+    shelf.visit(range, [&](const TileId&, GeoImage* image) {
+        image->paint(painter, device.x(), device.y(), device.x() + device.width(),
+                     device.y() + device.height(), world.left(), world.top(),
+                     world.left() + world.width(), world.top() + world.height());
+    });
 }
 
 int TiledView::percentComplete()
@@ -294,6 +400,27 @@ int TiledView::percentComplete()
     }
     const auto missing = static_cast<std::uint64_t>(shelf.countMissing(chosen));
     return static_cast<int>((all - missing) * 100 / all);
+}
+
+TileRange TiledView::missingTiles() const
+{
+    return viewSet ? shelf.missingPart(chosen) : TileRange();
+}
+
+TileRange TiledView::unreadableTiles() const
+{
+    TileRange range;
+    range.level = chosen.level;
+    shelf.visit(chosen, [&range](const TileId& tile, GeoImage* image) {
+        if (isMarkedTile(*image)) {
+            const bool first = range.isEmpty();
+            range.left = first ? tile.x : std::min(range.left, tile.x);
+            range.right = first ? tile.x : std::max(range.right, tile.x);
+            range.top = first ? tile.y : std::min(range.top, tile.y);
+            range.bottom = first ? tile.y : std::max(range.bottom, tile.y);
+        }
+    });
+    return range;
 }
 
 // Whole levels go, those farthest from the level in view first; what lies beneath the view stays.

@@ -44,9 +44,14 @@ public:
     bool progressive = true;
     /// Between begin and end of an interactive change missing tiles come one level coarser.
     bool adaptiveRoam = true;
-    /// Smooth when pixels are made smaller; enlarged pixels always stay crisp.
+    /// Smooth when pixels are made smaller; enlarged pixels always stay crisp. On the screen a view
+    /// that is progressive is smoothed once it rests.
     bool smooth = true;
-    /// How long a view that is not progressive may wait, in milliseconds; 0 for as long as it takes.
+    /// Asks for a repaint: the view rests and is to be smoothed. Empty: it waits for the next one.
+    std::function<void()> repaint;
+    /// How long a view that is not progressive may wait for the next tile, in milliseconds; 0 for as
+    /// long as it takes. A source that let the limit pass is not waited for again before a tile came
+    /// or a progressive view was set: a page in strips waits once for it.
     int waitLimit = 0;
 
     enum class Waiting
@@ -62,15 +67,28 @@ public:
     void setView(int width, int height, double tlx, double tly, double brx, double bry);
     /// Whether a view was set since start.
     bool hasView() const { return viewSet; }
+    /// Whether the last view has stood for a moment.
+    bool isAtRest() const { return !moveTimer.isActive(); }
     bool showsView(int width, int height, const QRectF& world) const;
     QRectF getWorld() const { return QRectF(tlx, tly, brx - tlx, bry - tly); }
+    /// Whether the tile belongs to what the view shows.
+    bool wants(const TileId& tile) const;
     /// Asks once more for what is missing of the view.
     void askAgain();
     void beginUpdate();
     void endUpdate();
+    /// Of a page that is printed in strips, the strip that was set last: see shownPart.
     void paint(GeoPainter& painter, QRectF* world, QRect* device);
+    /// The part of the device that is to be painted: all of it, unless the view is not progressive
+    /// and a strip of it. Each strip comes with a painting of the whole page, which would put
+    /// transparent pixels over each other.
+    QRect shownPart(const QRectF& world, const QRect& device) const;
     /// 0 to 100; of the level that the view asks for.
     int percentComplete();
+    /// The smallest range of the view's own level that holds all tiles which have not come.
+    TileRange missingTiles() const;
+    /// The same of those that cannot be read.
+    TileRange unreadableTiles() const;
 
     const TileShelf& tiles() const { return shelf; }
 
@@ -85,9 +103,15 @@ private:
     void requestCoarser();
     void requestUnderlay();
     void waitForView();
-    int levelFor(int deviceWidth, const QRectF& world) const;
+    bool isStripOf(const QRectF& world, const QRect& device) const;
+    void paintImages(GeoPainter& painter, const TileRange& range, const QRectF& world,
+                     const QRect& device) const;
+    void askForChosen();
+    int levelByWidth(int deviceWidth, const QRectF& world) const;
+    int levelFor(int deviceWidth, int deviceHeight, const QRectF& world) const;
     void setRenderHints(GeoPainter& painter, const QRectF& world, const QRect& device, int level,
-                        bool loading) const;
+                        bool loading);
+    void smoothAtRest();
 
     ITiledLayer* layer;  // not owned
     LayerLevels* levels; // not owned
@@ -108,7 +132,10 @@ private:
 
     bool updating = false; // a bracket was opened; brackets need not be balanced
     bool owesFullLevel = false;
+    bool gaveUpWaiting = false;
     QTimer roamTimer; // asks for the full level when the view rests inside an open bracket
+    QTimer moveTimer; // runs while the view moves
+    bool owesSmoothing = false; // the picture on the screen is complete and rough
 };
 
 } // namespace Map

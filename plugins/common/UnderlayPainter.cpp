@@ -1,8 +1,8 @@
 #include <plugins/common/UnderlayPainter.h>
 
+#include <plugins/common/DeviceRect.h>
 #include <plugins/common/TileShelf.h>
 
-#include <corvane/core/Integer.h>
 #include <corvane/map/GeoImage.h>
 #include <corvane/map/GeoPainter.h>
 
@@ -56,23 +56,11 @@ void UnderlayPainter::paint(GeoPainter& painter, const TileRange& chosen, unsign
     }
 }
 
-// Rounded as GeoImage::paint rounds, with the far corner as size like LayerLevel::paint.
-QRect UnderlayPainter::deviceRect(double tlx, double tly, double brx, double bry) const
+QRect UnderlayPainter::onDevice(double tlx, double tly, double brx, double bry) const
 {
-    const double w = device.x() + device.width();
-    const double h = device.y() + device.height();
-    const auto column = [&](double x) {
-        return Util::roundAwayFromZero((x - world.left()) / world.width() * w + device.x());
-    };
-    const auto row = [&](double y) {
-        return Util::roundAwayFromZero((y - world.top()) / world.height() * h + device.y());
-    };
-    const int left = std::max(column(tlx), device.left());
-    const int top = std::max(row(tly), device.top());
-    const int right = std::min(column(brx), device.left() + device.width());
-    const int bottom = std::min(row(bry), device.top() + device.height());
-    return right > left && bottom > top ? QRect(QPoint(left, top), QPoint(right - 1, bottom - 1))
-                                        : QRect();
+    return deviceRect(
+        {world.left(), world.top(), world.left() + world.width(), world.top() + world.height()},
+        device, {tlx, tly, brx, bry});
 }
 
 void UnderlayPainter::collectHoles(const TileRange& chosen, const TileBounds& tileBounds)
@@ -82,8 +70,8 @@ void UnderlayPainter::collectHoles(const TileRange& chosen, const TileBounds& ti
             const TileId tile{chosen.level, x, y};
             if (!shelf.has(tile)) {
                 const QRectF area = tileBounds(tile);
-                holes += deviceRect(area.left(), area.top(), std::min(area.right(), bounds.right()),
-                                    std::max(area.bottom(), bounds.bottom()));
+                holes += onDevice(area.left(), area.top(), std::min(area.right(), bounds.right()),
+                                  std::max(area.bottom(), bounds.bottom()));
             }
         }
     }
@@ -102,7 +90,7 @@ void UnderlayPainter::paintLevel(GeoPainter& painter, unsigned int level)
     QRegion covered;
     std::vector<GeoImage*> images;
     shelf.visit(shelf.rangeOf(level, tlx, tly, brx, bry), [&](const TileId&, GeoImage* image) {
-        const QRect area = deviceRect(image->tlx, image->tly, image->brx, image->bry);
+        const QRect area = onDevice(image->tlx, image->tly, image->brx, image->bry);
         if (holes.intersects(area)) {
             covered += area;
             images.push_back(image);

@@ -35,7 +35,7 @@ public:
                const TileBounds& tileBounds);
 
 private:
-    QRect deviceRect(double tlx, double tly, double brx, double bry) const;
+    QRect onDevice(double tlx, double tly, double brx, double bry) const;
     void collectHoles(const TileRange& chosen, const TileBounds& tileBounds);
     void paintLevel(GeoPainter& painter, unsigned int level);
 

@@ -43,15 +43,53 @@ QString firstSubdataset(GDALDatasetH dataset)
     return QString::fromUtf8(GDALGetMetadataItem(dataset, "SUBDATASET_1_NAME", "SUBDATASETS"));
 }
 
+// The first one has half the size of the image, as many bands, and the others within.
+bool fits(GDALDatasetH overviews, GDALDatasetH image)
+{
+    const auto isHalf = [](int half, int whole) { return half == (whole + 1) / 2; };
+    return GDALGetRasterCount(overviews) == GDALGetRasterCount(image) &&
+           isHalf(GDALGetRasterXSize(overviews), GDALGetRasterXSize(image)) &&
+           isHalf(GDALGetRasterYSize(overviews), GDALGetRasterYSize(image));
+}
+
+DatasetPointer openOverviews(const QString& name, const RasterHandle& handle)
+{
+    const bool needed = !handle.warped && handle.overviewCount() == 0;
+    DatasetPointer opened;
+    if (needed && !name.isEmpty()) {
+        const GdalErrors errors; // without them it goes as well
+        opened = openRasterDataset(name, false, nullptr);
+    }
+    return opened && fits(opened.get(), handle.original.get()) ? std::move(opened)
+                                                               : DatasetPointer();
+}
+
 } // namespace
 
-std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QString* error)
+int RasterHandle::overviewCount() const
+{
+    return overviews ? 1 + GDALGetOverviewCount(GDALGetRasterBand(overviews.get(), 1))
+                     : GDALGetOverviewCount(GDALGetRasterBand(shown(), 1));
+}
+
+GDALRasterBandH RasterHandle::overviewBand(int band, int overview) const
+{
+    if (!overviews) {
+        return GDALGetOverview(GDALGetRasterBand(shown(), band), overview);
+    }
+    GDALRasterBandH finest = GDALGetRasterBand(overviews.get(), band);
+    return overview == 0 ? finest : GDALGetOverview(finest, overview - 1);
+}
+
+std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QString* error,
+                                         const QString& overviews)
 {
     auto handle = std::make_unique<RasterHandle>();
-    handle->original = openDataset(name, remote, error);
+    handle->original = openRasterDataset(name, remote, error);
     if (handle->original && GDALGetRasterCount(handle->original.get()) == 0) {
         const QString inner = firstSubdataset(handle->original.get());
-        handle->original = inner.isEmpty() ? DatasetPointer() : openDataset(inner, remote, error);
+        handle->original =
+            inner.isEmpty() ? DatasetPointer() : openRasterDataset(inner, remote, error);
         if (!handle->original && error && error->isEmpty()) {
             *error = QStringLiteral("it holds no image");
         }
@@ -63,13 +101,15 @@ std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QStri
         const GdalErrors errors; // a transform that cannot be made leaves plain pixels
         handle->warped = warpToNorthUp(handle->original.get());
     }
+    handle->overviews = openOverviews(overviews, *handle);
     return handle;
 }
 
-GdalHandlePool::GdalHandlePool(QString datasetName, bool overNetwork,
+GdalHandlePool::GdalHandlePool(QString datasetName, bool overNetwork, QString overviewsName,
                                std::unique_ptr<RasterHandle> first)
     : name(std::move(datasetName)),
-      remote(overNetwork)
+      remote(overNetwork),
+      overviews(std::move(overviewsName))
 {
     release(std::move(first));
 }
@@ -90,7 +130,12 @@ GdalHandlePool::Lease GdalHandlePool::acquire(QString* error)
             return Lease(this, std::move(handle));
         }
     }
-    return Lease(this, openHandle(name, remote, error));
+    std::unique_ptr<RasterHandle> opened = openHandle(name, remote, error, overviews);
+    if (opened && !overviews.isEmpty() && !opened->overviews) {
+        *error = QStringLiteral("the overviews are gone"); // which the first handle has seen
+        opened.reset();
+    }
+    return Lease(this, std::move(opened));
 }
 
 void GdalHandlePool::release(std::unique_ptr<RasterHandle> handle)

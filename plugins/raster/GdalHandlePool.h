@@ -16,18 +16,26 @@ struct RasterHandle
 {
     DatasetPointer original;
     DatasetPointer warped; ///< closed before the original, which it reads
+    DatasetPointer
+        overviews; ///< of the original, from elsewhere; null where it has its own or none
 
     GDALDatasetH shown() const { return warped ? warped.get() : original.get(); }
+    int overviewCount() const;
+    /// The overview, by number from the finest, of what is shown. band counts from 1.
+    GDALRasterBandH overviewBand(int band, int overview) const;
 };
 
-/// Opens name for reading; null with the reason in error. Any thread; may take long.
-std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QString* error);
+/// Opens name for reading; null with the reason in error. overviews is a file that holds some for it,
+/// which is used where it fits and is needed; empty for none. Any thread; may take long.
+std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QString* error,
+                                         const QString& overviews = QString());
 
 /// The open handles of one source that nobody uses at the moment. Any thread.
 class GdalHandlePool
 {
 public:
-    GdalHandlePool(QString name, bool remote, std::unique_ptr<RasterHandle> first);
+    GdalHandlePool(QString name, bool remote, QString overviews,
+                   std::unique_ptr<RasterHandle> first);
     ~GdalHandlePool();
     GdalHandlePool(const GdalHandlePool&) = delete;
     GdalHandlePool& operator=(const GdalHandlePool&) = delete;
@@ -57,6 +65,7 @@ private:
 
     QString name;
     bool remote;
+    QString overviews;
     std::mutex mutex;                                // guards idle
     std::vector<std::unique_ptr<RasterHandle>> idle; // used last at the end: its caches are warm
 };

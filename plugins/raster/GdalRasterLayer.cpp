@@ -1,13 +1,22 @@
 #include <plugins/raster/GdalRasterLayer.h>
 
+#include <plugins/common/GdalAccess.h>
+#include <plugins/common/OpeningPatience.h>
+#include <plugins/common/PoolTask.h>
+#include <plugins/common/ServerSource.h>
+#include <plugins/raster/OverviewBuilder.h>
+#include <plugins/raster/RasterCells.h>
 #include <plugins/raster/RasterSource.h>
 #include <plugins/raster/RasterStatistics.h>
 #include <plugins/raster/RasterTileLoader.h>
 #include <plugins/raster/RasterTileRequest.h>
 
 #include <corvane/core/Application.h>
+#include <corvane/map/CellRequest.h>
 #include <corvane/map/GeoImage.h>
 #include <corvane/map/GeoPainter.h>
+
+#include <cpl_vsi.h>
 
 #include <QDateTime>
 #include <QDir>
@@ -22,8 +31,8 @@ namespace Corvane::Map {
 
 namespace {
 
-constexpr int openingPatience = 40;        // milliseconds on the GUI thread
 constexpr int remoteWaitLimit = 60 * 1000; // milliseconds, for what has to come before we go on
+constexpr int cellPriority = 2;            // on the pool, before sources that open and tiles
 constexpr int cheapReduction = 4;          // by which the coarsest level may be reduced when read
 
 // Whether the coarsest level can be read beneath every view: without an overview near its size it
@@ -41,7 +50,13 @@ bool coarsestIsCheap(const RasterFacts& facts)
 
 } // namespace
 
-GdalRasterLayer::GdalRasterLayer(IRendererClient* client) : TiledRasterLayer(client) {}
+GdalRasterLayer::GdalRasterLayer(IRendererClient* client)
+    : TiledRasterLayer(client),
+      openingRetry([this] { tryAgain(); }),
+      tileRetry(&view, [this] { tileRetry.look(isVisible()); })
+{
+    view.whileWaiting = [this] { return tileRetry.lookWhileWaiting(); };
+}
 
 GdalRasterLayer::~GdalRasterLayer()
 {
@@ -50,6 +65,9 @@ GdalRasterLayer::~GdalRasterLayer()
 
 bool GdalRasterLayer::setDataSource(QString newSource)
 {
+    if (!nameInDocument.isEmpty()) {
+        newSource = nameInDocument;
+    }
     static const QString objectStore = QStringLiteral("/vsis3/");
     if (newSource.startsWith(objectStore)) { // kept in the form that people know
         newSource.replace(0, objectStore.size(), QStringLiteral("s3://"));
@@ -58,9 +76,19 @@ bool GdalRasterLayer::setDataSource(QString newSource)
         return true; // documents name a source twice
     }
     closeSource();
+    openingRetry.reset();
+    if (ServerSource::isForImageServer(newSource))
+    { // it may hold a password, which no log is to hold
+        dataSource.clear();
+        return false;
+    }
     dataSource = newSource;
     if (dataSource.isEmpty()) {
         return fail(tr("no data source"));
+    }
+    if (ServerSource::isForTiles(dataSource)) {
+        lastError = tr("the URL has places for tile numbers");
+        return false; // without a word: it is for another plugin
     }
     if (description.isEmpty()) {
         description = QFileInfo(dataSource).fileName();
@@ -68,18 +96,31 @@ bool GdalRasterLayer::setDataSource(QString newSource)
     if (isPlainFile(dataSource) && !QFileInfo::exists(dataSource)) {
         return fail(tr("the file does not exist"));
     }
-    opening = std::make_shared<SourceOpening<RasterSource>>(
-        [newSource](QString* error, const std::atomic<bool>&) {
-            return RasterSource::open(newSource, error);
-        },
-        [this] { QMetaObject::invokeMethod(this, "takeOpened", Qt::QueuedConnection); });
-    opening->start();
+    startOpening(false);
     const int unhurried = isRemote(dataSource) ? remoteWaitLimit : -1;
-    opening->waitFor(view.progressive ? openingPatience : unhurried);
+    const OpeningPatience patience;
+    opening->waitFor(view.progressive ? patience.left() : unhurried);
     if (opening->startTelling()) {
         return true;
     }
     return takeOpened();
+}
+
+void GdalRasterLayer::startOpening(bool tells)
+{
+    opening = std::make_shared<SourceOpening<RasterSource>>(
+        [name = dataSource](QString* error, const std::atomic<bool>&) {
+            return RasterSource::open(name, error);
+        },
+        [this] { QMetaObject::invokeMethod(this, "takeOpened", Qt::QueuedConnection); });
+    if (tells) {
+        opening->startTelling();
+    }
+    if (isRemote(dataSource)) {
+        opening->startRemote();
+    } else {
+        opening->start();
+    }
 }
 
 // Whether a source is open now.
@@ -93,9 +134,13 @@ bool GdalRasterLayer::takeOpened()
     std::shared_ptr<RasterSource> opened = opening->result(&error);
     opening.reset();
     if (opened) {
+        openingRetry.reset();
         adopt(std::move(opened));
     } else {
         fail(error);
+        if (isRemote(dataSource) && mayPass(error)) {
+            openingRetry.failed();
+        }
     }
     if (inBackground) {
         refreshAll();
@@ -108,7 +153,7 @@ void GdalRasterLayer::adopt(std::shared_ptr<RasterSource> opened)
 {
     source = std::move(opened);
     spatialRef.setEpsg(source->facts().epsg);
-    view.waitLimit = isRemote(dataSource) ? remoteWaitLimit : 0;
+    setSourceWaitLimit(isRemote(dataSource) ? remoteWaitLimit : 0);
     TileBudget::instance().setLimit(TileBudget::limitFor(QStringLiteral("Raster")));
     restartTiles();
 }
@@ -117,7 +162,8 @@ bool GdalRasterLayer::fail(const QString& reason)
 {
     lastError = reason;
     Application::logMessage(QStringLiteral("cannot open %1: %2").arg(dataSource, reason),
-                            LogLevel::Warning, QDateTime::currentDateTime());
+                            openingRetry.hasFailedBefore() ? LogLevel::Debug : LogLevel::Warning,
+                            QDateTime::currentDateTime());
     return false;
 }
 
@@ -127,18 +173,34 @@ void GdalRasterLayer::closeSource()
         opening->abandon();
         opening.reset();
     }
+    openingRetry.stop();
+    tileRetry.stop();
+    cancelOverviews();
+    overviewFile.clear();
+    overviewFailure.clear();
     stopTiles();
     loader.reset();
     source.reset();
     lastError.clear();
 }
 
+void GdalRasterLayer::forgetSource()
+{
+    if (isRemote(dataSource)) {
+        VSICurlPartialClearCache(gdalName(dataSource).toUtf8().constData());
+    }
+}
+
 void GdalRasterLayer::restartTiles()
 {
     const RasterFacts& known = source->facts();
     const BandPlan plan = planFor(known, validBands(known, bandList));
+    tileRetry.stop();
     loader = std::make_shared<RasterTileLoader>(this, source, plan);
     startTiles(loader, "raster", known.tileSize, coarsestIsCheap(known));
+    if (source->isRemote()) {
+        tileRetry.follow(&loader->attempts, &source->health);
+    }
 }
 
 qint8 GdalRasterLayer::getPercentComplete()
@@ -146,19 +208,20 @@ qint8 GdalRasterLayer::getPercentComplete()
     return static_cast<qint8>(opening ? 0 : view.percentComplete());
 }
 
-// A URL that the base class would take for a relative path goes through as GDAL's own name for it.
+// Two names would not get through the base class, which looks for relative files: what only GDAL
+// understands, and a file that is missing, which keeps the name that it would have.
 bool GdalRasterLayer::readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMessage)
 {
-    QDomNode node = theNode.cloneNode();
-    for (QDomElement child = node.firstChildElement(QStringLiteral("datasource")); !child.isNull();
-         child = child.nextSiblingElement(QStringLiteral("datasource")))
-    {
-        const QString value = child.attribute(QStringLiteral("value"));
-        if (value.startsWith(QLatin1String("s3://"), Qt::CaseInsensitive)) {
-            child.setAttribute(QStringLiteral("value"), gdalName(value));
-        }
+    const QString name =
+        theNode.lastChildElement(QStringLiteral("datasource")).attribute(QStringLiteral("value"));
+    if (!isPlainFile(name)) {
+        nameInDocument = name;
+    } else if (!name.isEmpty() && !baseDir.exists(name)) {
+        nameInDocument = QDir::cleanPath(baseDir.absoluteFilePath(name));
     }
-    return TiledRasterLayer::readXML(node, baseDir, pErrorMessage);
+    const bool read = TiledRasterLayer::readXML(theNode, baseDir, pErrorMessage);
+    nameInDocument.clear();
+    return read;
 }
 
 // Nothing is built here: this runs for every tile of every view.
@@ -203,6 +266,17 @@ GdalRasterLayer::getHistograms(bool viewport, bool approximate, QSize sampleSize
     }
     return RasterStatistics(source).histograms(areaToCount(viewport, tlx, tly, brx, bry),
                                                approximate ? sampleSize : QSize());
+}
+
+void GdalRasterLayer::readCells(std::shared_ptr<CellRequest> request)
+{
+    if (!source) {
+        CellReading reading;
+        reading.failure = opening ? tr("the source is still opening") : lastError;
+        request->finish(reading);
+        return;
+    }
+    startOnPool([from = source, request] { answerCells(*from, request); }, cellPriority);
 }
 
 } // namespace Corvane::Map

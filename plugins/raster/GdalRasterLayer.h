@@ -1,8 +1,13 @@
 #pragma once
 
+#include <plugins/common/OpeningRetry.h>
 #include <plugins/common/SourceOpening.h>
+#include <plugins/common/TileRetry.h>
 #include <plugins/common/TiledRasterLayer.h>
 
+#include <corvane/map/ILayerOverviews.h>
+#include <corvane/map/ILayerSource.h>
+#include <corvane/map/IRasterLayerCells.h>
 #include <corvane/map/IRasterLayerHistogram.h>
 
 #include <QVector>
@@ -13,15 +18,22 @@ namespace Corvane::Map {
 
 class RasterSource;
 class RasterTileLoader;
+struct BuiltOverviews;
+struct OverviewMeter;
 struct RasterFacts;
 
 /// A raster of whatever kind GDAL opens, of whatever size: reads it in tiles on the pool and shows
 /// it north-up. A source that does not open at once is opened behind the scenes; the layer is then
 /// not valid until sourceOpened tells how it ended. May be deleted at any time.
-class GdalRasterLayer : public TiledRasterLayer, public IRasterLayerHistogram
+class GdalRasterLayer : public TiledRasterLayer,
+                        public IRasterLayerHistogram,
+                        public IRasterLayerCells,
+                        public ILayerOverviews,
+                        public ILayerSource
 {
     Q_OBJECT
-    Q_INTERFACES(Corvane::Map::IRasterLayerHistogram)
+    Q_INTERFACES(Corvane::Map::IRasterLayerHistogram Corvane::Map::IRasterLayerCells
+                     Corvane::Map::ILayerOverviews Corvane::Map::ILayerSource)
     Q_PROPERTY(QString Bands READ getBandsText WRITE setBandsText)
     Q_PROPERTY(QString Driver READ getDriver STORED false)
     Q_PROPERTY(int Epsg READ getEpsg STORED false)
@@ -49,6 +61,8 @@ public:
     /// "file", "http" or "s3".
     QString getProtocol() override;
     qint8 getPercentComplete() override;
+    /// Drops what is kept of a server's answers for the source, so that the next layer asks anew.
+    Q_INVOKABLE void forgetSource();
     bool readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMessage) override;
 
     double getCellSizeX() override;
@@ -76,6 +90,20 @@ public:
                                                           QSize sampleSize, double tlx, double tly,
                                                           double brx, double bry) override;
 
+    /// Columns and rows are those of the source, also where it is warped to be shown.
+    void readCells(std::shared_ptr<CellRequest> request) override;
+
+    /// From "Plugins/Raster/LargeImagePixels" on, a hundred million unless set.
+    bool wantsOverviews() override;
+    /// Beside the file, unless nothing can be written there, or "Plugins/Raster/OverviewsBeside" is
+    /// false; else in the user's cache folder, which "Plugins/Raster/OverviewCacheMB" limits.
+    bool buildOverviews() override;
+    void cancelOverviews() override;
+    OverviewProgress getOverviewProgress() override;
+
+    SourceReport getSourceReport() override;
+    void retrySource() override;
+
     /// The band list as text, "1,2,3": documents carry it in this form.
     QString getBandsText();
     void setBandsText(const QString& text);
@@ -95,8 +123,12 @@ public:
 
 private slots:
     bool takeOpened();
+    void startRetrying();
+    void takeOverviews();
 
 private:
+    void startOpening(bool tells);
+    void tryAgain();
     void closeSource();
     void adopt(std::shared_ptr<RasterSource> opened);
     bool fail(const QString& reason);
@@ -104,11 +136,18 @@ private:
     QRectF areaToCount(bool viewport, double tlx, double tly, double brx, double bry);
 
     QString dataSource;
+    QString nameInDocument; // while a document is read, the source if not as it stands there
     QString lastError;
     QVector<qint32> bandList;                             // as chosen; empty for the source's own
     std::shared_ptr<SourceOpening<RasterSource>> opening; // while a source is opening
     std::shared_ptr<RasterSource> source;                 // null while there is none
     std::shared_ptr<RasterTileLoader> loader;
+    OpeningRetry openingRetry;                         // of a remote source
+    TileRetry tileRetry;                               // the same
+    std::shared_ptr<PoolJob<BuiltOverviews>> building; // while overviews are built
+    std::shared_ptr<OverviewMeter> overviewMeter;      // of the last building
+    QString overviewFile;                              // that were built for this source
+    QString overviewFailure;
 };
 
 } // namespace Corvane::Map

@@ -1,6 +1,8 @@
 #include <plugins/raster/GdalRasterPlugin.h>
 
+#include <plugins/common/BudgetPage.h>
 #include <plugins/common/MapTarget.h>
+#include <plugins/common/TileBudget.h>
 #include <plugins/raster/GdalRasterLayer.h>
 #include <plugins/raster/RasterPropertiesPage.h>
 #include <plugins/raster/ReadFilter.h>
@@ -102,7 +104,8 @@ QList<QAction*> GdalRasterPlugin::getAddLayerActions()
 
 QList<QWidget*> GdalRasterPlugin::getPrefsPages()
 {
-    return {};
+    return {new BudgetPage(QStringLiteral("Raster"), getDisplayName(), BudgetPage::Scope::AllLayers,
+                           [] { return TileBudget::instance().heldBytes(); })};
 }
 
 void GdalRasterPlugin::addFiles(const QStringList& files, MapView* view)

@@ -1,11 +1,15 @@
 #include <plugins/raster/RasterFacts.h>
 
+#include <plugins/common/GdalAccess.h>
+#include <plugins/raster/GdalHandlePool.h>
+
 #include <cpl_conv.h>
 #include <ogr_srs_api.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <optional>
 
 namespace Corvane::Map {
@@ -17,6 +21,13 @@ constexpr int leastTileSize = 128;
 constexpr int mostTileSize = 1024;
 constexpr int mostLevels = 31;
 constexpr double negligibleShear = 1e-3; // in pixels, over the whole image
+
+/// Where the overviews of what is shown come from.
+struct Overviews
+{
+    int count = 0;
+    std::function<GDALRasterBandH(int band, int overview)> band;
+};
 
 using Transform = std::array<double, 6>;
 
@@ -92,21 +103,10 @@ void readCoordinateSystem(GDALDatasetH original, GDALDatasetH shown, RasterFacts
     if (!system) {
         return;
     }
-    char* wkt = nullptr;
-    OSRExportToWkt(system, &wkt);
-    facts.wkt = QString::fromUtf8(wkt);
-    CPLFree(wkt);
-    facts.coordSysName = QString::fromUtf8(OSRGetName(system));
-
-    OGRSpatialReferenceH identified = OSRClone(system);
-    if (!OSRGetAuthorityCode(identified, nullptr)) {
-        OSRAutoIdentifyEPSG(identified);
-    }
-    const QString authority = QString::fromUtf8(OSRGetAuthorityName(identified, nullptr));
-    if (authority.compare(QLatin1String("EPSG"), Qt::CaseInsensitive) == 0) {
-        facts.epsg = QString::fromUtf8(OSRGetAuthorityCode(identified, nullptr)).toInt();
-    }
-    OSRDestroySpatialReference(identified);
+    const SystemName named = nameOf(system);
+    facts.wkt = named.wkt;
+    facts.coordSysName = named.name;
+    facts.epsg = named.epsg;
 }
 
 void readBands(GDALDatasetH original, GDALDatasetH shown, RasterFacts& facts)
@@ -160,23 +160,22 @@ bool isCloseTo(const QSize& a, const QSize& b)
 }
 
 // The overview's dataset answers for all bands only where it is a dataset of its own.
-bool isDatasetOfAllBands(GDALDatasetH shown, int overview)
+bool isDatasetOfAllBands(const Overviews& overviews, GDALDatasetH shown, int overview)
 {
-    GDALRasterBandH first = GDALGetOverview(GDALGetRasterBand(shown, 1), overview);
-    GDALDatasetH dataset = GDALGetBandDataset(first);
+    GDALDatasetH dataset = GDALGetBandDataset(overviews.band(1, overview));
     if (!dataset || dataset == shown || GDALGetRasterCount(dataset) != GDALGetRasterCount(shown)) {
         return false;
     }
     for (int i = 1; i <= GDALGetRasterCount(shown); ++i) {
-        if (GDALGetRasterBand(dataset, i) != GDALGetOverview(GDALGetRasterBand(shown, i), overview))
-        {
+        if (GDALGetRasterBand(dataset, i) != overviews.band(i, overview)) {
             return false;
         }
     }
     return true;
 }
 
-LevelFacts levelFacts(GDALDatasetH shown, int level, const RasterFacts& facts)
+LevelFacts levelFacts(GDALDatasetH shown, const Overviews& overviews, int level,
+                      const RasterFacts& facts)
 {
     const auto reduced = [level](int pixels) {
         return static_cast<int>((qint64{pixels} + (qint64{1} << level) - 1) >> level);
@@ -189,8 +188,8 @@ LevelFacts levelFacts(GDALDatasetH shown, int level, const RasterFacts& facts)
         if (isCloseTo(facts.overviews[i], result.size)) {
             result.overview = i;
             result.sourceSize = facts.overviews[i];
-            result.readsAllBands = isDatasetOfAllBands(shown, i);
-            band = GDALGetOverview(band, i);
+            result.readsAllBands = isDatasetOfAllBands(overviews, shown, i);
+            band = overviews.band(1, i);
             break;
         }
     }
@@ -201,7 +200,8 @@ LevelFacts levelFacts(GDALDatasetH shown, int level, const RasterFacts& facts)
     return result;
 }
 
-void readStructure(GDALDatasetH original, GDALDatasetH shown, RasterFacts& facts)
+void readStructure(GDALDatasetH original, GDALDatasetH shown, const Overviews& overviews,
+                   RasterFacts& facts)
 {
     GDALRasterBandH band = GDALGetRasterBand(shown, 1);
     QSize shownBlock;
@@ -212,14 +212,14 @@ void readStructure(GDALDatasetH original, GDALDatasetH shown, RasterFacts& facts
     facts.layout = facts.blockSize.width() >= GDALGetRasterXSize(original)
                        ? QStringLiteral("strips")
                        : QStringLiteral("tiles");
-    for (int i = 0; i < GDALGetOverviewCount(band); ++i) {
-        GDALRasterBandH overview = GDALGetOverview(band, i);
+    for (int i = 0; i < overviews.count; ++i) {
+        GDALRasterBandH overview = overviews.band(1, i);
         facts.overviews.append(
             overview ? QSize(GDALGetRasterBandXSize(overview), GDALGetRasterBandYSize(overview))
                      : QSize(0, 0));
     }
     for (int level = 0; level < mostLevels; ++level) {
-        facts.levels.push_back(levelFacts(shown, level, facts));
+        facts.levels.push_back(levelFacts(shown, overviews, level, facts));
     }
 }
 
@@ -256,7 +256,9 @@ std::uint32_t RasterFacts::stripLevels() const
     return bits;
 }
 
-RasterFacts readFacts(GDALDatasetH original, GDALDatasetH shown)
+namespace {
+
+RasterFacts readFactsWith(GDALDatasetH original, GDALDatasetH shown, const Overviews& overviews)
 {
     RasterFacts facts;
     GDALDriverH driver = GDALGetDatasetDriver(original);
@@ -267,8 +269,27 @@ RasterFacts readFacts(GDALDatasetH original, GDALDatasetH shown)
     readCoordinateSystem(original, shown, facts);
     readBands(original, shown, facts);
     readPalette(original, facts);
-    readStructure(original, shown, facts);
+    readStructure(original, shown, overviews, facts);
     return facts;
+}
+
+} // namespace
+
+RasterFacts readFacts(GDALDatasetH original, GDALDatasetH shown)
+{
+    const auto band = [shown](int number, int overview) {
+        return GDALGetOverview(GDALGetRasterBand(shown, number), overview);
+    };
+    return readFactsWith(original, shown,
+                         {GDALGetOverviewCount(GDALGetRasterBand(shown, 1)), band});
+}
+
+RasterFacts readFacts(const RasterHandle& handle)
+{
+    const auto band = [&handle](int number, int overview) {
+        return handle.overviewBand(number, overview);
+    };
+    return readFactsWith(handle.original.get(), handle.shown(), {handle.overviewCount(), band});
 }
 
 bool needsWarping(GDALDatasetH dataset)

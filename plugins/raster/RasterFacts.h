@@ -13,6 +13,8 @@
 
 namespace Corvane::Map {
 
+struct RasterHandle;
+
 struct BandFacts
 {
     GDALDataType type = GDT_Unknown;
@@ -75,6 +77,8 @@ struct RasterFacts
 /// What dataset is, and how its pyramid is read. original is the source itself, shown the north-up
 /// view of it or the same. The names and colours come from original.
 RasterFacts readFacts(GDALDatasetH original, GDALDatasetH shown);
+/// The same with the overviews of the handle, wherever they lie.
+RasterFacts readFacts(const RasterHandle& handle);
 
 /// Whether the source lies otherwise than north-up and has to be warped to be shown.
 bool needsWarping(GDALDatasetH dataset);

@@ -1,6 +1,8 @@
 #include <plugins/raster/RasterSource.h>
 
 #include <plugins/common/PoolActivity.h>
+#include <plugins/common/WebClock.h>
+#include <plugins/raster/OverviewStore.h>
 #include <plugins/raster/RasterStretch.h>
 
 #include <corvane/core/Application.h>
@@ -13,6 +15,8 @@
 namespace Corvane::Map {
 
 namespace {
+
+constexpr qint64 requestsToOpen = 2; // at the least: for its size and for its header
 
 // What reads of neighbouring tiles want to find in the cache: the widest row of tiles in strips,
 // and slices of reduced reads, several at once. 0 where whole blocks make tiles.
@@ -36,20 +40,33 @@ std::shared_ptr<RasterSource> RasterSource::open(const QString& dataSource, QStr
     setUpGdal();
     const PoolActivity activity;
     const QString name = gdalName(dataSource);
-    const bool remote = isRemote(dataSource);
-    std::unique_ptr<RasterHandle> first = openHandle(name, remote, error);
+    const bool overNetwork = Map::isRemote(dataSource);
+    const qint64 begin = WebClock::now();
+    const QString overviews = overNetwork ? QString() : OverviewStore::find(name);
+    std::unique_ptr<RasterHandle> first = openHandle(name, overNetwork, error, overviews);
     if (!first) {
+        if (overNetwork) {
+            forgetRemote(name); // else the next attempt would hear the same without asking
+        }
         return nullptr;
     }
-    return std::shared_ptr<RasterSource>(
-        new RasterSource(dataSource, name, remote, std::move(first)));
+    const QString used = first->overviews ? overviews : QString();
+    const std::shared_ptr<RasterSource> source(
+        new RasterSource(dataSource, name, overNetwork, used, std::move(first)));
+    if (overNetwork) {
+        source->health.succeeded((WebClock::now() - begin) / requestsToOpen);
+    }
+    return source;
 }
 
-RasterSource::RasterSource(QString source, const QString& name, bool remote,
-                           std::unique_ptr<RasterHandle> first)
-    : dataSource(std::move(source)),
-      theFacts(readFacts(first->original.get(), first->shown())),
-      handles(name, remote, std::move(first)),
+RasterSource::RasterSource(QString source, const QString& name, bool overNetwork,
+                           const QString& overviews, std::unique_ptr<RasterHandle> first)
+    : health(source),
+      dataSource(std::move(source)),
+      remote(overNetwork),
+      partOfFile(QString::fromUtf8(GDALGetDescription(first->original.get())) != name),
+      theFacts(readFacts(*first)),
+      handles(name, overNetwork, overviews, std::move(first)),
       cacheShare(std::make_unique<BlockCacheShare>(wantedCache(theFacts)))
 {
     for (std::size_t i = 0; i < theFacts.bands.size(); ++i) {
@@ -66,7 +83,8 @@ StretchRange RasterSource::stretchOf(int band, const RasterHandle& handle)
     }
     BandStretch& stretch = *stretches[index];
     std::call_once(stretch.once, [&] {
-        stretch.range = percentileCut(GDALGetRasterBand(handle.original.get(), band), bandFacts);
+        GDALDatasetH sampled = handle.overviews ? handle.overviews.get() : handle.original.get();
+        stretch.range = percentileCut(GDALGetRasterBand(sampled, band), bandFacts);
     });
     return stretch.range;
 }

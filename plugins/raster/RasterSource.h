@@ -1,5 +1,6 @@
 #pragma once
 
+#include <plugins/common/SourceHealth.h>
 #include <plugins/raster/GdalHandlePool.h>
 #include <plugins/raster/RasterFacts.h>
 
@@ -34,15 +35,26 @@ public:
     /// worked out from a sample on the first call, which may take long.
     StretchRange stretchOf(int band, const RasterHandle& handle);
 
+    /// Whether reads go over the network.
+    bool isRemote() const { return remote; }
+
+    /// Whether it is an image within a container of several.
+    bool isPartOfFile() const { return partOfFile; }
+
     /// A tile could not be read. The first reason is logged, the last kept.
     void reportFailure(const QString& reason);
     QString lastFailure() const;
 
+    /// How the server is doing; unasked where there is none.
+    SourceHealth health;
+
 private:
-    RasterSource(QString dataSource, const QString& name, bool remote,
+    RasterSource(QString dataSource, const QString& name, bool remote, const QString& overviews,
                  std::unique_ptr<RasterHandle> first);
 
     QString dataSource;
+    bool remote;
+    bool partOfFile;
     RasterFacts theFacts;
     GdalHandlePool handles;
     std::unique_ptr<BlockCacheShare> cacheShare;

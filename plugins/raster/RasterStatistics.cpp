@@ -31,11 +31,12 @@ using Visitor = std::function<void(std::size_t band, const double* values,
 class SampleReader
 {
 public:
-    SampleReader(GDALDatasetH dataset, int bandCount, Sample sampled) : sample(std::move(sampled))
+    SampleReader(const RasterHandle& handle, GDALDatasetH dataset, int bandCount, Sample sampled)
+        : sample(std::move(sampled))
     {
         for (int i = 1; i <= bandCount; ++i) {
-            GDALRasterBandH band = GDALGetRasterBand(dataset, i);
-            bands.push_back(sample.overview >= 0 ? GDALGetOverview(band, sample.overview) : band);
+            bands.push_back(sample.overview >= 0 ? handle.overviewBand(i, sample.overview)
+                                                 : GDALGetRasterBand(dataset, i));
             numbers.push_back(i);
         }
         GDALDatasetH own = GDALGetBandDataset(bands.front());
@@ -231,7 +232,7 @@ QVector<HistogramT<unsigned long long>> RasterStatistics::histograms(const QRect
         window = QRect(0, 0, GDALGetRasterXSize(dataset), GDALGetRasterYSize(dataset));
     }
     std::vector<BandCounter> counters(facts.bands.begin(), facts.bands.end());
-    SampleReader reader(dataset, static_cast<int>(counters.size()),
+    SampleReader reader(*handle.operator->(), dataset, static_cast<int>(counters.size()),
                         sampleOf(facts, window, sampleSize));
     bool done = reader.visit([&](std::size_t band, const double* values, const unsigned char* valid,
                                  std::size_t count) { counters[band].add(values, valid, count); });

@@ -2,6 +2,7 @@
 
 #include <plugins/common/MarkedTile.h>
 #include <plugins/common/PoolActivity.h>
+#include <plugins/common/WebClock.h>
 #include <plugins/raster/GdalRasterLayer.h>
 #include <plugins/raster/PixelTransparency.h>
 #include <plugins/raster/RasterSource.h>
@@ -55,16 +56,63 @@ std::unique_ptr<GeoImage> RasterTileLoader::geoImage(const TileId& tile, QImage 
     return image;
 }
 
+// On a pool thread. A server that fails is asked again when it has had its rest.
+bool RasterTileLoader::isLeftAlone(const TileId& tile)
+{
+    if (!reader.source().isRemote() || !reader.source().health.isPaused()) {
+        return false;
+    }
+    attempts.heldBack();
+    exchange.giveUp(tile);
+    tellOfPutOff();
+    return true;
+}
+
+// On a pool thread. A tile that fails is put off before it is given up: a view that asks in between
+// does not get it at once.
+void RasterTileLoader::noteAnswer(const TileId& tile, qint64 begin, const QString& failure)
+{
+    if (!reader.source().isRemote()) {
+        return;
+    }
+    if (failure.isNull()) {
+        attempts.succeeded(tile);
+        reader.source().health.succeeded(WebClock::now() - begin);
+    } else {
+        attempts.failed(tile, 0);
+        reader.source().health.failed(tile, failure, 0);
+        exchange.giveUp(tile);
+        tellOfPutOff();
+    }
+}
+
+// On a pool thread.
+void RasterTileLoader::tellOfPutOff()
+{
+    if (lifeline.enter()) {
+        callForRetry();
+        lifeline.leave();
+    }
+}
+
 // On a pool thread.
 std::unique_ptr<GeoImage> RasterTileLoader::load(const TileId& tile)
 {
+    if (isLeftAlone(tile)) {
+        return nullptr;
+    }
     QString error;
+    const qint64 begin = WebClock::now();
     QImage pixels = reader.read(tile.level, reader.tilePixels(tile.level, tile.x, tile.y), &error);
+    if (pixels.isNull() && isStopped()) {
+        return nullptr;
+    }
+    noteAnswer(tile, begin, pixels.isNull() ? error : QString());
     if (pixels.isNull()) {
-        if (isStopped()) {
+        reader.source().reportFailure(error);
+        if (reader.source().isRemote()) {
             return nullptr;
         }
-        reader.source().reportFailure(error);
         pixels = markedTile(static_cast<int>(reader.source().facts().tileSize));
     }
     return geoImage(tile, std::move(pixels));
@@ -85,9 +133,16 @@ std::vector<DeliveredTile> RasterTileLoader::readRun(const TileId& first)
     }
     const QRect all = reader.tilePixels(first.level, row.front().x, first.y) |
                       reader.tilePixels(first.level, row.back().x, first.y);
-    QString error;
-    const QImage pixels = reader.read(first.level, all, &error);
     std::vector<DeliveredTile> tiles;
+    if (isLeftAlone(first)) {
+        for (const TileId& tile : row) {
+            exchange.giveUp(tile);
+        }
+        return tiles;
+    }
+    QString error;
+    const qint64 begin = WebClock::now();
+    const QImage pixels = reader.read(first.level, all, &error);
     if (pixels.isNull() && isStopped()) {
         return tiles;
     }
@@ -95,6 +150,10 @@ std::vector<DeliveredTile> RasterTileLoader::readRun(const TileId& first)
         reader.source().reportFailure(error);
     }
     for (const TileId& tile : row) {
+        noteAnswer(tile, begin, pixels.isNull() ? error : QString());
+        if (pixels.isNull() && reader.source().isRemote()) {
+            continue;
+        }
         const QRect part = reader.tilePixels(tile.level, tile.x, tile.y);
         QImage copy = pixels.isNull()
                           ? markedTile(static_cast<int>(reader.source().facts().tileSize))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <plugins/common/TileAttempts.h>
 #include <plugins/common/TileLink.h>
 #include <plugins/raster/TileReader.h>
 
@@ -26,9 +27,13 @@ public:
     RasterTileLoader(const RasterTileLoader&) = delete;
     RasterTileLoader& operator=(const RasterTileLoader&) = delete;
 
+    /// What could not be had from a server, to be asked for again.
+    TileAttempts attempts;
+
     /// Whether the tiles of a row of this level are read together.
     bool readsRuns(unsigned int level) const;
-    /// The tile's image, a marked one where it cannot be read; null when cancelled.
+    /// The tile's image, a marked one where it cannot be read; null when cancelled, or where a server
+    /// does not give it for now.
     std::unique_ptr<GeoImage> load(const TileId& tile);
     /// Reads the owed tiles of the row of first together, delivers the others and returns first.
     std::unique_ptr<GeoImage> loadRun(const TileId& first);
@@ -37,6 +42,9 @@ public:
 
 private:
     std::unique_ptr<GeoImage> geoImage(const TileId& tile, QImage pixels) const;
+    void tellOfPutOff();
+    bool isLeftAlone(const TileId& tile);
+    void noteAnswer(const TileId& tile, qint64 begin, const QString& failure);
     std::vector<DeliveredTile> readRun(const TileId& first);
     void deliver(DeliveredTile tile);
     bool isStopped() const;

@@ -214,7 +214,7 @@ bool TileReader::readSlice(const Window& window, const RasterHandle& handle,
     const int overview = window.facts->overview;
     if (overview < 0 || window.facts->readsAllBands) {
         if (overview >= 0) {
-            dataset = GDALGetBandDataset(GDALGetOverview(GDALGetRasterBand(dataset, 1), overview));
+            dataset = GDALGetBandDataset(handle.overviewBand(1, overview));
         }
         return GDALDatasetRasterIOEx(dataset, GF_Read, from.x(), from.y(), from.width(),
                                      from.height(), buffer, window.size.width(),
@@ -224,7 +224,7 @@ bool TileReader::readSlice(const Window& window, const RasterHandle& handle,
     }
     auto* plane = static_cast<unsigned char*>(buffer);
     for (const int number : bands) {
-        GDALRasterBandH band = GDALGetOverview(GDALGetRasterBand(dataset, number), overview);
+        GDALRasterBandH band = handle.overviewBand(number, overview);
         if (!band || GDALRasterIOEx(band, GF_Read, from.x(), from.y(), from.width(), from.height(),
                                     plane, window.size.width(), window.size.height(), type,
                                     layout.pixel, layout.line, &extra) != CE_None)
@@ -364,7 +364,7 @@ bool TileReader::readMask(const Window& window, const RasterHandle& handle,
     GDALRasterBandH band = GDALGetRasterBand(handle.shown(), plan.bands.front());
     QRect from = window.full;
     if (window.facts->overview >= 0) {
-        GDALRasterBandH overview = GDALGetOverview(band, window.facts->overview);
+        GDALRasterBandH overview = handle.overviewBand(plan.bands.front(), window.facts->overview);
         if (overview && (GDALGetMaskFlags(overview) & GMF_PER_DATASET) != 0) {
             band = overview;
             from = window.source;

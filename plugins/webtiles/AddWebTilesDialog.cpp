@@ -3,9 +3,8 @@
 #include "ui_AddWebTilesDialog.h"
 
 #include <plugins/common/PoolActivity.h>
-#include <plugins/webtiles/HttpFetch.h>
-#include <plugins/webtiles/TileCache.h>
-#include <plugins/webtiles/TileFetch.h>
+#include <plugins/common/TileCache.h>
+#include <plugins/common/TileFetch.h>
 #include <plugins/webtiles/WebMercator.h>
 #include <plugins/webtiles/WebTileLayer.h>
 #include <plugins/webtiles/WebTileOffer.h>
@@ -24,9 +23,7 @@ std::shared_ptr<TileAnswer> tryOut(const QString& url, const WebTileSettings& se
                                    const WebTile& tile, const std::atomic<bool>& abandoned,
                                    QString* error)
 {
-    const QByteArray userAgent = userAgentWith(settings.userAgentSuffix);
-    const int deadline = static_cast<int>(settings.deadline * 1000.0);
-    const auto offer = askForOffer(url, userAgent, deadline, abandoned, error);
+    const auto offer = askForOffer(url, settings, abandoned, error);
     const auto source = offer ? WebTileSource::make(*offer, settings, url, error) : nullptr;
     if (!source) {
         return nullptr;
@@ -37,8 +34,8 @@ std::shared_ptr<TileAnswer> tryOut(const QString& url, const WebTileSettings& se
                      .arg(source->maxZoom);
         return nullptr;
     }
-    return std::make_shared<TileAnswer>(
-        fetchTile(*source, tile, [&abandoned] { return abandoned || PoolActivity::isEnding(); }));
+    return std::make_shared<TileAnswer>(fetchTile(
+        source->orderFor(tile), [&abandoned] { return abandoned || PoolActivity::isEnding(); }));
 }
 
 int columnsAt(int zoom)
@@ -52,7 +49,7 @@ AddWebTilesDialog::AddWebTilesDialog(QWidget* parent)
     : QDialog(parent),
       ui(new Ui::AddWebTilesDialog)
 {
-    TileCache::instance().setUp();
+    TileCache::instance().setUp(QStringLiteral("WebTiles"));
     ui->setupUi(this);
     ui->buttonBox->button(QDialogButtonBox::Ok)->setText(tr("Add"));
     ui->buttonBox->button(QDialogButtonBox::Ok)->setAutoDefault(false);

@@ -9,11 +9,6 @@ namespace Corvane::Map {
 
 namespace {
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("TilePreset", text);
-}
-
 // False where the attribute is there and is no number.
 bool readNumber(const QXmlStreamAttributes& attributes, const char* name,
                 std::optional<int>* number)
@@ -33,7 +28,9 @@ std::shared_ptr<WebTileOffer> readPreset(const QByteArray& document, QString* er
 {
     QXmlStreamReader reader(document);
     if (!reader.readNextStartElement() || reader.name() != QLatin1String("webtiles")) {
-        *error = reader.hasError() ? reader.errorString() : tr("the file is no web tile preset");
+        *error = reader.hasError()
+                     ? reader.errorString()
+                     : QCoreApplication::translate("TilePreset", "the file is no web tile preset");
         return nullptr;
     }
     const QXmlStreamAttributes attributes = reader.attributes();
@@ -48,7 +45,8 @@ std::shared_ptr<WebTileOffer> readPreset(const QByteArray& document, QString* er
         !readNumber(attributes, "maxzoom", &offer->maxZoom) ||
         !readNumber(attributes, "tilesize", &offer->tileSize))
     {
-        *error = tr("the preset has something that is no number");
+        *error =
+            QCoreApplication::translate("TilePreset", "the preset has something that is no number");
         return nullptr;
     }
     reader.skipCurrentElement();

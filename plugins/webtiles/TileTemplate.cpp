@@ -17,11 +17,6 @@ bool isKnownPlace(const QString& name)
                        [&name](const char* place) { return name == QLatin1String(place); });
 }
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("TileTemplate", text);
-}
-
 } // namespace
 
 bool TileTemplate::isTemplate(const QString& text)
@@ -44,12 +39,15 @@ std::optional<TileTemplate> TileTemplate::parse(const QString& text, const QStri
         }
         const int close = text.indexOf(QLatin1Char('}'), open);
         if (close < 0) {
-            *error = tr("the URL has a brace that is not closed");
+            *error = QCoreApplication::translate("TileTemplate",
+                                                 "the URL has a brace that is not closed");
             return std::nullopt;
         }
         const QString place = text.mid(open + 1, close - open - 1);
         if (!isKnownPlace(place)) {
-            *error = tr("the URL has the unknown place {%1}").arg(place);
+            *error =
+                QCoreApplication::translate("TileTemplate", "the URL has the unknown place {%1}")
+                    .arg(place);
             return std::nullopt;
         }
         result.pieces.push_back({text.mid(end, open - end), false});
@@ -57,9 +55,11 @@ std::optional<TileTemplate> TileTemplate::parse(const QString& text, const QStri
         end = close + 1;
     }
     result.pieces.push_back({text.mid(end), false});
-    *error = isTemplate(text) ? result.lack(hosts) : tr("the URL does not begin with http");
+    *error = isTemplate(text)
+                 ? result.lack(hosts)
+                 : QCoreApplication::translate("TileTemplate", "the URL does not begin with http");
     if (error->isEmpty() && !QUrl(result.urlOf(WebTile())).isValid()) {
-        *error = tr("the URL is not well formed");
+        *error = QCoreApplication::translate("TileTemplate", "the URL is not well formed");
     }
     return error->isEmpty() ? std::optional<TileTemplate>(result) : std::nullopt;
 }
@@ -68,10 +68,12 @@ QString TileTemplate::lack(const QStringList& hostNames) const
 {
     const bool numbers = has("z") && has("x") && (has("y") || has("-y"));
     if (!numbers && !has("q")) {
-        return tr("the URL has no places for zoom, column and row");
+        return QCoreApplication::translate("TileTemplate",
+                                           "the URL has no places for zoom, column and row");
     }
     if (has("s") && hostNames.isEmpty()) {
-        return tr("the URL has a place for hosts, and none is named");
+        return QCoreApplication::translate("TileTemplate",
+                                           "the URL has a place for hosts, and none is named");
     }
     return QString();
 }

@@ -1,11 +1,12 @@
 #include <plugins/webtiles/WebTileLayer.h>
 
-#include <plugins/webtiles/HttpFetch.h>
-#include <plugins/webtiles/TileCache.h>
+#include <plugins/common/HttpFetch.h>
+#include <plugins/common/OpeningPatience.h>
+#include <plugins/common/PrintedPicture.h>
+#include <plugins/common/SourceReports.h>
 #include <plugins/webtiles/WebMercator.h>
 #include <plugins/webtiles/WebTileLoader.h>
 #include <plugins/webtiles/WebTileOffer.h>
-#include <plugins/webtiles/WebTileRequest.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/GeoImage.h>
@@ -23,11 +24,17 @@ namespace Corvane::Map {
 
 namespace {
 
-constexpr int openingPatience = 40;   // milliseconds on the GUI thread
-constexpr int waitLimit = 30 * 1000;  // milliseconds, for what has to come before we go on
-constexpr int retryInterval = 250;    // milliseconds between looks at what was put off
-constexpr int attributionPixels = 10; // height of the text
+constexpr int openingLimit = 30 * 1000; // milliseconds, for what has to come before we go on
+constexpr int attributionPixels = 10;   // height of the text
 constexpr int attributionMargin = 3;
+
+// On paper as large as on a screen, whatever the printer's resolution.
+int printedPixels(const GeoPainter& painter, int screenPixels)
+{
+    constexpr int screenDotsPerInch = 96;
+    return isPrinting(painter) ? screenPixels * painter.device()->logicalDpiY() / screenDotsPerInch
+                               : screenPixels;
+}
 
 QString titleOf(const QString& dataSource, const QString& offered)
 {
@@ -38,13 +45,10 @@ QString titleOf(const QString& dataSource, const QString& offered)
 
 } // namespace
 
-WebTileLayer::WebTileLayer(IRendererClient* client) : TiledRasterLayer(client)
+WebTileLayer::WebTileLayer(IRendererClient* client)
+    : ServedTileLayer(client, "WebTiles"),
+      retry([this] { tryAgain(); })
 {
-    TileCache::instance().setUp();
-    retryTimer.setInterval(retryInterval);
-    connect(&retryTimer, &QTimer::timeout, this, &WebTileLayer::retry);
-    view.waitLimit = waitLimit;
-    view.whileWaiting = [this] { return lookWhileWaiting(); };
 }
 
 WebTileLayer::~WebTileLayer()
@@ -58,6 +62,7 @@ bool WebTileLayer::setDataSource(QString newSource)
         return true; // documents name a source twice
     }
     closeSource();
+    retry.reset();
     dataSource = newSource;
     if (!isWebTileSource(dataSource)) {
         return false;
@@ -67,22 +72,40 @@ bool WebTileLayer::setDataSource(QString newSource)
         plain->url = dataSource;
         return adopt(plain);
     }
-    startOpening();
-    opening->waitFor(view.progressive ? openingPatience : waitLimit);
+    startOpening(false);
+    const OpeningPatience patience;
+    opening->waitFor(view.progressive ? patience.left() : openingLimit);
     return opening->startTelling() || takeOpened();
 }
 
-void WebTileLayer::startOpening()
+void WebTileLayer::startOpening(bool tells)
 {
-    const QByteArray userAgent = userAgentWith(settings.userAgentSuffix);
-    const int deadline = static_cast<int>(settings.deadline * 1000.0);
     const QString toOpen = dataSource;
+    const WebTileSettings terms = settings;
+    failurePasses = std::make_shared<std::atomic<bool>>(false);
     opening = std::make_shared<SourceOpening<WebTileOffer>>(
-        [=](QString* error, const std::atomic<bool>& abandoned) {
-            return askForOffer(toOpen, userAgent, deadline, abandoned, error);
+        [=, passes = failurePasses](QString* error, const std::atomic<bool>& abandoned) {
+            bool mayPass = false;
+            auto offered = askForOffer(toOpen, terms, abandoned, error, &mayPass);
+            *passes = mayPass;
+            return offered;
         },
         [this] { QMetaObject::invokeMethod(this, "takeOpened", Qt::QueuedConnection); });
-    opening->start();
+    if (tells) {
+        opening->startTelling();
+    }
+    if (hostOf(dataSource).isEmpty()) {
+        opening->start();
+    } else {
+        opening->startRemote();
+    }
+}
+
+void WebTileLayer::tryAgain()
+{
+    retry.stop();
+    lastError.clear();
+    startOpening(true);
 }
 
 // Whether a source is open now.
@@ -95,10 +118,13 @@ bool WebTileLayer::takeOpened()
     const bool inBackground = opening->tellsLayer();
     const std::shared_ptr<WebTileOffer> opened = opening->result(&error);
     opening.reset();
-    if (opened) {
-        adopt(opened);
-    } else {
+    if (opened && adopt(opened)) {
+        retry.reset();
+    } else if (!opened) {
         fail(error);
+        if (*failurePasses) {
+            retry.failed();
+        }
     }
     if (inBackground) {
         refreshAll();
@@ -124,10 +150,9 @@ bool WebTileLayer::adopt(const std::shared_ptr<WebTileOffer>& opened)
                                                                   : settings.attribution);
     spatialRef.setEpsg(WebMercator::epsg);
     TileBudget::instance().setLimit(TileBudget::limitFor(QStringLiteral("WebTiles")));
-    auto newLoader = std::make_shared<WebTileLoader>(this, source);
+    loader = std::make_shared<WebTileLoader>(this, source);
     const bool coarsestIsThere = source->minZoom <= 1;
-    startTiles(newLoader, "webtiles", static_cast<unsigned int>(source->tileSize), coarsestIsThere);
-    loader = std::move(newLoader); // now that no pool thread is inside that looks at the old one
+    startServed(loader, "webtiles", static_cast<unsigned int>(source->tileSize), coarsestIsThere);
     return true;
 }
 
@@ -135,7 +160,8 @@ bool WebTileLayer::fail(const QString& reason)
 {
     lastError = reason;
     Application::logMessage(QStringLiteral("cannot open %1: %2").arg(dataSource, reason),
-                            LogLevel::Warning, QDateTime::currentDateTime());
+                            retry.hasFailedBefore() ? LogLevel::Debug : LogLevel::Warning,
+                            QDateTime::currentDateTime());
     return false;
 }
 
@@ -145,8 +171,8 @@ void WebTileLayer::closeSource()
         opening->abandon();
         opening.reset();
     }
-    retryTimer.stop();
-    stopTiles();
+    retry.stop();
+    stopServed();
     loader.reset();
     source.reset();
     offer.reset();
@@ -161,38 +187,18 @@ void WebTileLayer::applySettings()
     }
 }
 
-// On a pool thread, inside the lifeline: the loader stays until the lifeline is closed.
-void WebTileLayer::tileFailed(ITileRequest*)
+bool WebTileLayer::canRetry() const
 {
-    if (loader->attempts.isWaiting()) {
-        QMetaObject::invokeMethod(this, "startRetrying", Qt::QueuedConnection);
-    }
+    return source ? loader->attempts.isWaiting() : !opening && !dataSource.isEmpty();
 }
 
-void WebTileLayer::startRetrying()
+void WebTileLayer::retryNow()
 {
-    if (loader && !retryTimer.isActive()) {
-        retryTimer.start();
+    if (source) {
+        retryServed();
+    } else if (canRetry()) {
+        tryAgain();
     }
-}
-
-void WebTileLayer::retry()
-{
-    if (!loader || !loader->attempts.isWaiting()) {
-        retryTimer.stop();
-        return;
-    }
-    if (isVisible() && !source->health.isPaused() && loader->attempts.takeDue()) {
-        view.askAgain();
-    }
-}
-
-TiledView::Waiting WebTileLayer::lookWhileWaiting()
-{
-    if (source->health.isPaused()) {
-        return TiledView::Waiting::GiveUp;
-    }
-    return loader->attempts.takeDue() ? TiledView::Waiting::AskAgain : TiledView::Waiting::GoOn;
 }
 
 QString WebTileLayer::getTileUrl(unsigned int level, unsigned int tx, unsigned int ty, unsigned int,
@@ -201,41 +207,28 @@ QString WebTileLayer::getTileUrl(unsigned int level, unsigned int tx, unsigned i
     return source ? source->urls.urlOf({loader->zoomOf(level), tx, ty}) : QString();
 }
 
-ITileRequest* WebTileLayer::createTileRequest(const QString& key, const QString&,
-                                              unsigned int level, unsigned int tx, unsigned int ty,
-                                              double tlx, double tly, double brx, double bry)
-{
-    const TileId tile{level, tx, ty};
-    if (loader->zoomOf(level) < source->minZoom || loader->attempts.isEmpty(tile)) {
-        loader->exchange.deliver(tile, loader->emptyTile(tile));
-        return nullptr;
-    }
-    if (!loader->attempts.mayAsk(tile)) {
-        return nullptr;
-    }
-    loader->exchange.ask(tile);
-    return new WebTileRequest(this, loader, key, tile, static_cast<unsigned int>(source->tileSize),
-                              tlx, tly, brx, bry);
-}
-
 void WebTileLayer::paint(GeoPainter& painter, QRectF* world, QRect* device)
 {
-    TiledRasterLayer::paint(painter, world, device);
+    ServedTileLayer::paint(painter, world, device);
     if (source && !attribution.isEmpty()) {
-        paintAttribution(painter, *device);
+        paintAttribution(painter, *device, view.shownPart(*world, *device));
     }
 }
 
-void WebTileLayer::paintAttribution(GeoPainter& painter, const QRect& device) const
+void WebTileLayer::paintAttribution(GeoPainter& painter, const QRect& device,
+                                    const QRect& part) const
 {
+    const int size = printedPixels(painter, attributionPixels);
+    const int margin = printedPixels(painter, attributionMargin);
     painter.save();
+    painter.setClipRect(part, Qt::IntersectClip);
     QFont font = painter.font();
-    font.setPixelSize(attributionPixels);
+    font.setPixelSize(size);
     painter.setFont(font);
     const QFontMetrics metrics(font);
-    const int room = std::max(device.width() - 2 * attributionMargin, 0);
+    const int room = std::max(device.width() - 2 * margin, 0);
     const QString text = metrics.elidedText(attribution, Qt::ElideRight, room);
-    QRect box(0, 0, metrics.horizontalAdvance(text) + 2 * attributionMargin, metrics.height());
+    QRect box(0, 0, metrics.horizontalAdvance(text) + 2 * margin, metrics.height());
     box.moveBottomRight(device.bottomRight());
     painter.fillRect(box, QColor(255, 255, 255, 180)); // readable on any map
     painter.setPen(QColor(50, 50, 50));

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <plugins/common/OpeningRetry.h>
+#include <plugins/common/ServedTileLayer.h>
 #include <plugins/common/SourceOpening.h>
-#include <plugins/common/TiledRasterLayer.h>
 #include <plugins/webtiles/WebTileSource.h>
 
-#include <QTimer>
 #include <QVector>
 
+#include <atomic>
 #include <memory>
 
 namespace Corvane::Map {
@@ -17,7 +18,7 @@ struct WebTileOffer;
 /// Tiles of a web server in the usual grid of Web Mercator. A tile that the server fails to give
 /// is missing for now: coarser ones show through, and it is asked for again after a pause that
 /// grows. May be deleted at any time; transfers under way then end within 50 milliseconds.
-class WebTileLayer final : public TiledRasterLayer
+class WebTileLayer final : public ServedTileLayer
 {
     Q_OBJECT
     Q_PROPERTY(int MinZoom READ getMinZoom WRITE setMinZoom)
@@ -66,11 +67,6 @@ public:
     QString getTileUrl(unsigned int level, unsigned int tx, unsigned int ty, unsigned int width,
                        unsigned int height, double tlx, double tly, double brx,
                        double bry) override;
-    void tileFailed(ITileRequest* request) override;
-    /// Null for a tile that is empty or left alone for now.
-    ITileRequest* createTileRequest(const QString& key, const QString& url, unsigned int level,
-                                    unsigned int tx, unsigned int ty, double tlx, double tly,
-                                    double brx, double bry) override;
 
     // What is set here goes before what the data source says; a negative number, a size of 0 and an
     // empty text leave it to the data source.
@@ -98,19 +94,31 @@ public:
     /// "ready", "opening", or what is wrong and for how long the server is left alone.
     QString getSourceState();
 
+    SourceReport getSourceReport() override;
+    /// See retryNow.
+    void retrySource() override;
+
+    /// The URL with places that the tiles come from; empty without a source.
+    QString getUrl() const;
+    bool isOpening() const { return opening != nullptr; }
+    /// How the server is doing; as if it had not been asked, without a source.
+    SourceHealth::Report getHealth() const;
+    /// Whether retryNow would ask for something.
+    bool canRetry() const;
+    /// Asks at once for what failed, whatever the pauses, or for a source that did not open.
+    void retryNow();
+
 private slots:
     bool takeOpened();
-    void startRetrying();
 
 private:
     void closeSource();
-    void startOpening();
+    void startOpening(bool tells);
+    void tryAgain();
     bool adopt(const std::shared_ptr<WebTileOffer>& offer);
     bool fail(const QString& reason);
     void applySettings();
-    void retry();
-    TiledView::Waiting lookWhileWaiting();
-    void paintAttribution(GeoPainter& painter, const QRect& device) const;
+    void paintAttribution(GeoPainter& painter, const QRect& device, const QRect& part) const;
 
     QString dataSource;
     QString lastError;
@@ -120,7 +128,8 @@ private:
     std::shared_ptr<WebTileOffer> offer;                  // null while there is none
     std::shared_ptr<WebTileSource> source;                // the same
     std::shared_ptr<WebTileLoader> loader;                // the same
-    QTimer retryTimer;                                    // runs while something is put off
+    OpeningRetry retry;
+    std::shared_ptr<std::atomic<bool>> failurePasses; // of the last opening
 };
 
 } // namespace Corvane::Map

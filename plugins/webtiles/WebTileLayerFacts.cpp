@@ -2,6 +2,7 @@
 // WebTileLayer.cpp.
 #include <plugins/webtiles/WebTileLayer.h>
 
+#include <plugins/common/SourceReports.h>
 #include <plugins/webtiles/WebMercator.h>
 #include <plugins/webtiles/WebTileOffer.h>
 
@@ -224,6 +225,30 @@ QString WebTileLayer::getSourceState()
         return tr("opening");
     }
     return source ? source->health.stateText() : tr("not open: %1").arg(lastError);
+}
+
+SourceReport WebTileLayer::getSourceReport()
+{
+    if (source && hostOf(offer->url).isEmpty()) {
+        return SourceReport();
+    }
+    return source ? servedReport(offer->url)
+                  : reportClosed(dataSource, isOpening(), retry, lastError);
+}
+
+void WebTileLayer::retrySource()
+{
+    retryNow();
+}
+
+QString WebTileLayer::getUrl() const
+{
+    return source ? offer->url : QString();
+}
+
+SourceHealth::Report WebTileLayer::getHealth() const
+{
+    return source ? source->health.report() : SourceHealth::Report();
 }
 
 } // namespace Corvane::Map

@@ -1,8 +1,10 @@
 #include <plugins/webtiles/WebTileOffer.h>
 
+#include <plugins/common/HttpFetch.h>
 #include <plugins/common/PoolActivity.h>
-#include <plugins/webtiles/HttpFetch.h>
+#include <plugins/common/SourceReports.h>
 #include <plugins/webtiles/TilePreset.h>
+#include <plugins/webtiles/WebTileSource.h>
 #include <plugins/webtiles/WmtsCapabilities.h>
 
 #include <QCoreApplication>
@@ -15,11 +17,6 @@ namespace {
 
 constexpr int okStatus = 200;
 constexpr qint64 longestPreset = 1 << 20; // bytes
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("WebTileOffer", text);
-}
 
 bool isPreset(const QString& dataSource)
 {
@@ -47,24 +44,29 @@ QString layerIn(const QUrl& url)
 }
 
 std::shared_ptr<WebTileOffer> fetchCapabilities(const QString& dataSource,
-                                                const QByteArray& userAgent, int deadline,
-                                                const std::atomic<bool>& abandoned, QString* error)
+                                                const WebTileSettings& settings,
+                                                const std::atomic<bool>& abandoned, QString* error,
+                                                bool* mayPass)
 {
     QUrl url(dataSource);
     const QString layer = layerIn(url);
     url.setFragment(QString());
     FetchOrder order;
     order.url = url.toEncoded();
-    order.userAgent = userAgent;
-    order.deadline = deadline;
+    order.userAgent = userAgentWith(settings.userAgentSuffix);
+    order.deadline = settings.deadlineMilliseconds();
     const FetchResult answer =
         fetch(order, [&abandoned] { return abandoned || PoolActivity::isEnding(); });
+    if (mayPass) {
+        *mayPass = isPassing(answer.status);
+    }
     if (!answer.failure.isEmpty()) {
         *error = answer.failure;
         return nullptr;
     }
     if (answer.status != okStatus) {
-        *error = tr("the server answers with status %1").arg(answer.status);
+        *error = QCoreApplication::translate("WebTileOffer", "the server answers with status %1")
+                     .arg(answer.status);
         return nullptr;
     }
     return readCapabilities(answer.body, layer, error);
@@ -78,9 +80,10 @@ bool isWebTileSource(const QString& dataSource)
            isCapabilities(dataSource);
 }
 
-std::shared_ptr<WebTileOffer> askForOffer(const QString& dataSource, const QByteArray& userAgent,
-                                          int deadline, const std::atomic<bool>& abandoned,
-                                          QString* error)
+std::shared_ptr<WebTileOffer> askForOffer(const QString& dataSource,
+                                          const WebTileSettings& settings,
+                                          const std::atomic<bool>& abandoned, QString* error,
+                                          bool* mayPass)
 {
     if (TileTemplate::isTemplate(dataSource)) {
         auto offer = std::make_shared<WebTileOffer>();
@@ -96,9 +99,9 @@ std::shared_ptr<WebTileOffer> askForOffer(const QString& dataSource, const QByte
         return readPreset(file.read(longestPreset), error);
     }
     if (isCapabilities(dataSource)) {
-        return fetchCapabilities(dataSource, userAgent, deadline, abandoned, error);
+        return fetchCapabilities(dataSource, settings, abandoned, error, mayPass);
     }
-    *error = tr("this is no source of web tiles");
+    *error = QCoreApplication::translate("WebTileOffer", "this is no source of web tiles");
     return nullptr;
 }
 

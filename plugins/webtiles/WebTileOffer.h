@@ -11,6 +11,8 @@
 
 namespace Corvane::Map {
 
+struct WebTileSettings;
+
 /// What a data source says of its tiles; what it leaves open is for the layer's settings.
 struct WebTileOffer
 {
@@ -28,10 +30,13 @@ struct WebTileOffer
 /// the URL of WMTS capabilities.
 bool isWebTileSource(const QString& dataSource);
 
-/// Asks the data source; null with the reason in error. Reads a file or goes to the network, where
-/// it stops once abandoned is true. On a pool thread, save for a URL with places.
-std::shared_ptr<WebTileOffer> askForOffer(const QString& dataSource, const QByteArray& userAgent,
-                                          int deadline, const std::atomic<bool>& abandoned,
-                                          QString* error);
+/// Asks the data source on the settings' terms; null with the reason in error, and in mayPass, which
+/// may be null, whether the source may answer later. Reads a file or goes
+/// to the network, where it stops once abandoned is true. On a pool thread, save for a URL with
+/// places.
+std::shared_ptr<WebTileOffer> askForOffer(const QString& dataSource,
+                                          const WebTileSettings& settings,
+                                          const std::atomic<bool>& abandoned, QString* error,
+                                          bool* mayPass = nullptr);
 
 } // namespace Corvane::Map

@@ -1,8 +1,10 @@
 #include <plugins/webtiles/WebTilePlugin.h>
 
 #include <plugins/common/MapTarget.h>
+#include <plugins/common/ServedBudgetPage.h>
 #include <plugins/webtiles/AddWebTilesDialog.h>
 #include <plugins/webtiles/WebTileLayer.h>
+#include <plugins/webtiles/WebTilePropertiesPage.h>
 
 #include <corvane/map/MapView.h>
 
@@ -72,7 +74,7 @@ QList<QDockWidget*> WebTilePlugin::getDockWidgets()
 
 QList<QWidget*> WebTilePlugin::getLayerPropertyWidgets()
 {
-    return {};
+    return {new WebTilePropertiesPage()};
 }
 
 QList<QToolBar*> WebTilePlugin::getToolBars()
@@ -93,7 +95,7 @@ QList<QAction*> WebTilePlugin::getAddLayerActions()
 
 QList<QWidget*> WebTilePlugin::getPrefsPages()
 {
-    return {};
+    return {new ServedBudgetPage(QStringLiteral("WebTiles"), getDisplayName())};
 }
 
 void WebTilePlugin::askAndAdd()

@@ -1,8 +1,10 @@
 #include <plugins/webtiles/WebTileSource.h>
 
-#include <plugins/webtiles/HttpFetch.h>
+#include <plugins/common/HttpFetch.h>
 #include <plugins/webtiles/WebMercator.h>
 #include <plugins/webtiles/WebTileOffer.h>
+
+#include <corvane/core/Integer.h>
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -39,6 +41,11 @@ QString hostsOf(const WebTileOffer& offer, const WebTileSettings& settings)
 
 } // namespace
 
+int WebTileSettings::deadlineMilliseconds() const
+{
+    return Util::roundToInt(deadline * 1000.0);
+}
+
 WebTileSource::WebTileSource(TileTemplate tileUrls, const QString& name)
     : urls(std::move(tileUrls)),
       health(name)
@@ -65,8 +72,13 @@ std::shared_ptr<WebTileSource> WebTileSource::make(const WebTileOffer& offer,
         std::clamp(settings.minZoom.value_or(offer.minZoom.value_or(0)), 0, source->maxZoom);
     source->hosts = hosts;
     source->userAgent = userAgentWith(settings.userAgentSuffix);
-    source->deadline = static_cast<int>(settings.deadline * 1000.0);
+    source->deadline = settings.deadlineMilliseconds();
     return source;
+}
+
+TileOrder WebTileSource::orderFor(const WebTile& tile) const
+{
+    return {QUrl(urls.urlOf(tile)), userAgent, QByteArray(), deadline};
 }
 
 QString plainAttribution(const QString& text)

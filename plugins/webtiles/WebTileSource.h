@@ -1,6 +1,7 @@
 #pragma once
 
-#include <plugins/webtiles/SourceHealth.h>
+#include <plugins/common/SourceHealth.h>
+#include <plugins/common/TileFetch.h>
 #include <plugins/webtiles/TileTemplate.h>
 
 #include <QByteArray>
@@ -23,6 +24,8 @@ struct WebTileSettings
     QString hosts; // for {s}, separated by commas
     QString userAgentSuffix;
     double deadline = 20.0; // seconds for one answer
+
+    int deadlineMilliseconds() const;
 };
 
 /// Where tiles come from and on what terms. Nothing changes but its health. Shared by the layer and
@@ -36,6 +39,8 @@ struct WebTileSource
                                                QString* error);
 
     WebTileSource(TileTemplate tileUrls, const QString& name);
+
+    TileOrder orderFor(const WebTile& tile) const;
 
     TileTemplate urls;
     int minZoom = 0; // tiles of coarser ones are empty

@@ -3,10 +3,13 @@
 #include <plugins/webtiles/WebMercator.h>
 #include <plugins/webtiles/WebTileOffer.h>
 
+#include <corvane/core/Integer.h>
+
 #include <QCoreApplication>
 #include <QDomDocument>
 #include <QUrl>
 #include <QUrlQuery>
+#include <QXmlStreamReader>
 
 #include <algorithm>
 #include <cmath>
@@ -20,11 +23,8 @@ namespace {
 constexpr double pixelMetres = 0.00028; // that scale denominators count in
 constexpr double scaleTolerance = 1e-3; // relative
 constexpr double originTolerance = 1.0; // metres
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("WmtsCapabilities", text);
-}
+constexpr int deepestLevel = 100;       // elements
+constexpr int longestUrl = 8192;        // characters
 
 // Servers choose their prefixes: elements are found by their local names.
 std::vector<QDomElement> children(const QDomElement& parent, const char* name)
@@ -85,7 +85,7 @@ int zoomOf(const QDomElement& matrix, int tileSize)
     const double zoom = std::round(exact);
     const bool fits = zoom >= 0.0 && zoom <= WebMercator::finestZoom(tileSize) &&
                       std::abs(std::exp2(exact - zoom) - 1.0) < scaleTolerance;
-    return fits ? static_cast<int>(zoom) : -1;
+    return fits ? Util::roundToInt(zoom) : -1;
 }
 
 // Nothing for a set in another grid. Zooms beyond a gap are left out.
@@ -144,6 +144,16 @@ int meritOf(const QString& format)
     return entry == end ? 0 : static_cast<int>(end - entry);
 }
 
+// False where it gets too long: values may hold places again, and so grow beyond all memory.
+bool fill(QString* url, const QString& place, const QString& value)
+{
+    if (value.size() > longestUrl) {
+        return false;
+    }
+    url->replace(QStringLiteral("{%1}").arg(place), value, Qt::CaseInsensitive);
+    return url->size() <= longestUrl;
+}
+
 QString resourceUrl(const QDomElement& layer, const Grid& grid)
 {
     QString best;
@@ -156,11 +166,13 @@ QString resourceUrl(const QDomElement& layer, const Grid& grid)
             merit = its;
         }
     }
-    best.replace(QLatin1String("{TileMatrixSet}"), grid.name, Qt::CaseInsensitive);
-    best.replace(QLatin1String("{Style}"), styleOf(layer), Qt::CaseInsensitive);
+    bool fits = fill(&best, QStringLiteral("TileMatrixSet"), grid.name) &&
+                fill(&best, QStringLiteral("Style"), styleOf(layer));
     for (const QDomElement& dimension : children(layer, "Dimension")) {
-        best.replace(QStringLiteral("{%1}").arg(textOf(dimension, "Identifier")),
-                     textOf(dimension, "Default"), Qt::CaseInsensitive);
+        fits = fits && fill(&best, textOf(dimension, "Identifier"), textOf(dimension, "Default"));
+    }
+    if (!fits) {
+        return QString();
     }
     best.replace(QLatin1String("{TileMatrix}"), QLatin1String("{z}"), Qt::CaseInsensitive);
     best.replace(QLatin1String("{TileCol}"), QLatin1String("{x}"), Qt::CaseInsensitive);
@@ -244,21 +256,44 @@ std::shared_ptr<WebTileOffer> offerOf(const QDomElement& root, const QDomElement
     return nullptr;
 }
 
+// A tree is freed by recursion, which takes the stack where it has no end.
+bool isTooDeep(const QByteArray& document)
+{
+    QXmlStreamReader reader(document);
+    int depth = 0;
+    while (!reader.atEnd() && depth <= deepestLevel) {
+        reader.readNext();
+        depth += reader.isStartElement() ? 1 : 0;
+        depth -= reader.isEndElement() ? 1 : 0;
+    }
+    return depth > deepestLevel;
+}
+
 } // namespace
 
 std::shared_ptr<WebTileOffer> readCapabilities(const QByteArray& document, const QString& layerName,
                                                QString* error)
 {
+    if (isTooDeep(document)) {
+        *error =
+            QCoreApplication::translate("WmtsCapabilities", "the capabilities cannot be read: %1")
+                .arg(QCoreApplication::translate("WmtsCapabilities", "they are nested too deeply"));
+        return nullptr;
+    }
     QDomDocument dom;
     QString parseError;
-    if (!dom.setContent(document, true, &parseError)) {
-        *error = tr("the capabilities cannot be read: %1").arg(parseError);
+    QXmlStreamReader reader(document);
+    if (!dom.setContent(&reader, true, &parseError)) {
+        *error =
+            QCoreApplication::translate("WmtsCapabilities", "the capabilities cannot be read: %1")
+                .arg(parseError);
         return nullptr;
     }
     const QDomElement root = dom.documentElement();
     const QDomElement contents = child(root, "Contents");
     if (root.localName() != QLatin1String("Capabilities") || contents.isNull()) {
-        *error = tr("the document holds no WMTS capabilities");
+        *error = QCoreApplication::translate("WmtsCapabilities",
+                                             "the document holds no WMTS capabilities");
         return nullptr;
     }
     std::vector<Grid> grids;
@@ -267,7 +302,7 @@ std::shared_ptr<WebTileOffer> readCapabilities(const QByteArray& document, const
             grids.push_back(*grid);
         }
     }
-    bool named = false;
+    bool named = layerName.isEmpty();
     for (const QDomElement& layer : children(contents, "Layer")) {
         if (!layerName.isEmpty() && textOf(layer, "Identifier") != layerName) {
             continue;
@@ -277,8 +312,10 @@ std::shared_ptr<WebTileOffer> readCapabilities(const QByteArray& document, const
             return offer;
         }
     }
-    *error = named ? tr("no layer comes in Web Mercator tiles")
-                   : tr("there is no layer %1").arg(layerName);
+    *error = named ? QCoreApplication::translate("WmtsCapabilities",
+                                                 "no layer comes in Web Mercator tiles")
+                   : QCoreApplication::translate("WmtsCapabilities", "there is no layer %1")
+                         .arg(layerName);
     return nullptr;
 }
 

@@ -139,6 +139,10 @@ private slots:
     void theFactsOfAFileAreOffered();
     void settingsSurviveADocument();
     void aWebAddressInADocumentStaysAsItIs();
+    void aNameForGdalInADocumentStaysAsItIs_data();
+    void aNameForGdalInADocumentStaysAsItIs();
+    void aDocumentIsToldWhatCouldNotBeOpened_data();
+    void aDocumentIsToldWhatCouldNotBeOpened();
 
     void aMissingFileFailsAtOnceWithOneLine();
     void aFileThatIsNoImageFailsWithOneLine();
@@ -625,6 +629,87 @@ void GdalRasterLayerTest::aWebAddressInADocumentStaysAsItIs()
     QCOMPARE(layer.getProtocol(), QString("s3"));
     QTRY_COMPARE(log.holding("cannot open s3://127.0.0.1/nothing.tif").size(), 1);
     QVERIFY(!layer.isValid());
+}
+
+void GdalRasterLayerTest::aNameForGdalInADocumentStaysAsItIs_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::newRow("a directory of a TIFF file") << "GTIFF_DIR:1:%1";
+    QTest::newRow("a description in place")
+        << "<VRTDataset rasterXSize=\"300\" rasterYSize=\"200\">"
+           "<VRTRasterBand dataType=\"Byte\" band=\"1\">"
+           "<SimpleSource><SourceFilename>%1</SourceFilename>"
+           "<SourceBand>1</SourceBand></SimpleSource>"
+           "</VRTRasterBand></VRTDataset>";
+}
+
+void GdalRasterLayerTest::aNameForGdalInADocumentStaysAsItIs()
+{
+    QFETCH(QString, pattern);
+    const QString name = pattern.arg(write("named", recipe(QSize(300, 200))));
+    QDomDocument document;
+    QDomElement element = document.createElement("layer");
+    {
+        GdalRasterLayer layer;
+        QVERIFY(layer.setDataSource(name));
+        QTRY_VERIFY(layer.isValid());
+        QVERIFY(layer.writeXML(element, document));
+    }
+    GdalRasterLayer layer;
+    QDir base("/somewhere/else");
+    QString errors;
+    QVERIFY(layer.readXML(element, base, &errors));
+    QTRY_VERIFY(layer.isValid());
+    QCOMPARE(layer.getDataSource(), name);
+    QCOMPARE(layer.getSize(), QSize(300, 200));
+    QCOMPARE(errors, QString());
+
+    // reading is over: other sources are taken as they come
+    QVERIFY(!layer.setDataSource("/missing.tif"));
+    QCOMPARE(layer.getDataSource(), QString("/missing.tif"));
+}
+
+void GdalRasterLayerTest::aDocumentIsToldWhatCouldNotBeOpened_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("kept");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("a missing file") << "/missing/a.tif"
+                                    << "/missing/a.tif"
+                                    << "the file does not exist";
+    QTest::newRow("a missing relative file")
+        << "missing/../other/a.tif" << folder.filePath("other/a.tif") << "the file does not exist";
+    QTest::newRow("no source") << ""
+                               << ""
+                               << "no data source";
+}
+
+void GdalRasterLayerTest::aDocumentIsToldWhatCouldNotBeOpened()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, kept);
+    QFETCH(QString, reason);
+    QDomDocument document;
+    QDomElement element = document.createElement("layer");
+    if (!source.isEmpty()) {
+        QDomElement child = document.createElement("datasource");
+        child.setAttribute("value", source);
+        element.appendChild(child);
+    }
+    QDir base(folder.path());
+    QString errors;
+    LogLines log;
+    GdalRasterLayer layer;
+    QVERIFY(layer.readXML(element, base, &errors)); // it stays in its map
+    QVERIFY(!layer.isValid());
+    QCOMPARE(layer.getDataSource(), kept);
+    const QString line = QString("cannot open %1: %2").arg(kept, reason);
+    QCOMPARE(errors, line);
+    QCOMPARE(log.holding(line).size(), 1);
+    GdalRasterLayer next;
+    next.readXML(element, base, &errors);
+    QCOMPARE(errors, line + '\n' + line);
+    QVERIFY(GdalRasterLayer().readXML(element, base, nullptr));
 }
 
 void GdalRasterLayerTest::aMissingFileFailsAtOnceWithOneLine()

@@ -21,10 +21,13 @@ class LogLines final : public LogMessageHandler
 public:
     LogLines() { Application::installLogMessageHandler(this); }
     ~LogLines() { Application::installLogMessageHandler(nullptr); }
-    void logMessage(const QString& message, LogLevel, const QDateTime&) override
+    void logMessage(const QString& message, LogLevel level, const QDateTime&) override
     {
         const std::lock_guard<std::mutex> guard(mutex);
         lines.append(message);
+        if (level >= LogLevel::Warning) {
+            warnings.append(message);
+        }
     }
     void setLogLevel(LogLevel) override {}
     LogLevel getLogLevel() override { return LogLevel::Debug; }
@@ -33,10 +36,16 @@ public:
         const std::lock_guard<std::mutex> guard(mutex);
         return lines.filter(part);
     }
+    QStringList warningsHolding(const QString& part) const
+    {
+        const std::lock_guard<std::mutex> guard(mutex);
+        return warnings.filter(part);
+    }
 
 private:
-    mutable std::mutex mutex; // guards lines
+    mutable std::mutex mutex; // guards lines and warnings
     QStringList lines;
+    QStringList warnings;
 };
 
 /// A view of width by height pixels whose top left pixel is that of the image at (x, y), with

@@ -1,7 +1,8 @@
+#include <tests/plugins/LayerPluginFile.h>
+
 #include <corvane/core/Application.h>
 #include <corvane/core/ILayerEditorPlugin.h>
 #include <corvane/core/ILayerPlugin.h>
-#include <corvane/core/ILayerPluginInfo.h>
 #include <corvane/core/ILayerPropertiesWidget.h>
 #include <corvane/core/PluginManager.h>
 #include <corvane/map/IRasterLayerHistogram.h>
@@ -12,9 +13,7 @@
 #include <tests/plugins/TestRasters.h>
 
 #include <QAction>
-#include <QDir>
 #include <QLoggingCategory>
-#include <QPluginLoader>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -26,11 +25,7 @@ using namespace Corvane::Tests;
 namespace {
 
 constexpr char className[] = "Corvane::Map::GdalRasterLayer";
-
-QString pluginFile()
-{
-    return QDir(QStringLiteral(CORVANE_PLUGIN_DIR)).filePath("corvane-raster.so");
-}
+constexpr char pluginName[] = "corvane-raster.so";
 
 } // namespace
 
@@ -61,27 +56,13 @@ void RasterPluginFileTest::initTestCase()
     QVERIFY(folder.isValid());
     file = folder.filePath("rgb.tif");
     QVERIFY(makeRaster(file, RasterRecipe()));
-    // the manager looks beside the program
-    const QString plugins = QCoreApplication::applicationDirPath() + "/tvviewerplugins";
-    QDir().mkpath(plugins);
-    const QString link = plugins + "/corvane-raster.so";
-    QFile::remove(link);
-    QVERIFY(QFile::link(pluginFile(), link));
+    offerPlugin(pluginName);
 }
 
 void RasterPluginFileTest::theFileOffersTheThreeInterfaces()
 {
-    QPluginLoader loader(pluginFile());
-    QObject* const root = loader.instance();
-    QVERIFY2(root, qPrintable(loader.errorString()));
-    QVERIFY(root->qt_metacast("com.corvane.viewer.ILayerPluginInfo/1.0"));
-    QVERIFY(root->qt_metacast("com.corvane.viewer.ILayerPlugin/1.0"));
-    QVERIFY(root->qt_metacast("com.corvane.viewer.ILayerEditorPlugin/1.0"));
-    auto* const info = static_cast<ILayerPluginInfo*>(
-        root->qt_metacast("com.corvane.viewer.ILayerPluginInfo/1.0"));
-    QCOMPARE(info->getClassName(), QString(className));
-    QVERIFY(info->isEnabled());
-    QVERIFY(info->getVersion().contains("GDAL"));
+    verifyInterfaces(pluginName, className);
+    QVERIFY(versionOf(pluginName).contains("GDAL"));
 }
 
 void RasterPluginFileTest::itsLayersOfferTheTileAndHistogramInterfaces()

@@ -142,7 +142,7 @@ private slots:
 
     void aSlowServerLeavesTheThreadFree();
     void aSlowSourceAppearsInAMapViewOnceItIsOpen();
-    void aServerThatBreaksDownGivesMarkedTiles();
+    void aServerThatBreaksDownIsAskedAgain();
     void aServerThatRefusesFailsLater();
     void aSecondSourceReplacesOneThatIsStillOpening();
 
@@ -420,7 +420,7 @@ void RasterThreadsTest::aSlowSourceAppearsInAMapViewOnceItIsOpen()
     QTRY_VERIFY_WITH_TIMEOUT(showsTheImage(), 30000);
 }
 
-void RasterThreadsTest::aServerThatBreaksDownGivesMarkedTiles()
+void RasterThreadsTest::aServerThatBreaksDownIsAskedAgain()
 {
     QFile file(blocks);
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -430,10 +430,21 @@ void RasterThreadsTest::aServerThatBreaksDownGivesMarkedTiles()
     layer.setProgressive(false);
     QVERIFY(layer.setDataSource(server.url("breaking.tif")));
     QVERIFY(layer.isValid());
+    QCOMPARE(layer.getSourceReport().state, SourceReport::State::Reachable);
+    layer.setProgressive(true);
     server.breakDown();
-    PixelView{300, 200, 5000, 3500, 1.0}.set(layer);
-    QCOMPARE(int(layer.getPercentComplete()), 100);
-    QCOMPARE(log.holding("breaking.tif").size(), 1);
+    const PixelView view{300, 200, 5000, 3500, 1.0};
+    view.set(layer);
+    QTRY_VERIFY_WITH_TIMEOUT(layer.getSourceReport().isTrouble(), 30000);
+    QVERIFY(!layer.getLastError().isEmpty());
+    QVERIFY(int(layer.getPercentComplete()) < 100);
+    QCOMPARE(log.holding("cannot read").size(), 1);
+
+    server.recover();
+    QTRY_COMPARE_WITH_TIMEOUT(int(layer.getPercentComplete()), 100, 60000);
+    QCOMPARE(layer.getSourceReport().state, SourceReport::State::Reachable);
+    const QColor middle = painted(layer, view).pixelColor(150, 100);
+    QVERIFY(std::abs(middle.red() - plainValue(1, 5150, 3600)) <= 25);
 }
 
 void RasterThreadsTest::aServerThatRefusesFailsLater()

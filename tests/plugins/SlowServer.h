@@ -56,6 +56,12 @@ public:
         open = true;
         changed.notify_all();
     }
+    /// Answers again after it broke down.
+    void recover()
+    {
+        const std::lock_guard<std::mutex> guard(mutex);
+        broken = false;
+    }
     int requests()
     {
         std::unique_lock<std::mutex> lock(mutex);

@@ -9,8 +9,12 @@
 #include <corvane/tiles/LayerLevel.h>
 #include <corvane/tiles/TileRequestRegistry.h>
 
+#include <QApplication>
 #include <QLoggingCategory>
+#include <QScreen>
 #include <QThreadPool>
+#include <QWidget>
+#include <QWindow>
 #include <QtTest>
 
 #include <algorithm>
@@ -82,6 +86,9 @@ public:
     {
         exchange->ask({level, tx, ty});
         asked.push_back({level, tx, ty});
+        if (eager) {
+            bring(asked.back());
+        }
         return new IdleRequest(this, key, level, tx, ty, edge, edge, tlx, tly, brx, bry);
     }
     QString getTileLayerId() override { return id; }
@@ -94,9 +101,20 @@ public:
         double bry = 0.0;
         levels.at(static_cast<int>(tile.level))
             ->getTileCoords(tile.x, tile.y, &tlx, &tly, &brx, &bry);
-        auto image = std::make_unique<GeoImage>(int(edge), int(edge), tlx, tly, brx, bry,
-                                                QImage::Format_RGB32, nullptr);
+        auto image = std::make_unique<GeoImage>(
+            int(edge), int(edge), tlx, tly, brx, bry,
+            dappled ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32, nullptr);
         image->QImage::fill(colourOf(tile.level));
+        for (int y = 0; dappled && y < int(edge); ++y) {
+            for (int x = 0; x < int(edge); ++x) {
+                image->setPixel(x, y, qRgba(x * 2, y * 2, int(tile.x * 16 + tile.y) % 128, 128));
+            }
+        }
+        for (int y = 0; striped && y < int(edge); ++y) {
+            for (int x = 0; x < int(edge); ++x) {
+                image->setPixel(x, y, x % 2 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
+            }
+        }
         exchange->deliver(tile, std::move(image));
     }
     // Brings what was asked for, of a level or of all; how many.
@@ -150,9 +168,124 @@ public:
     std::vector<TileId> asked;
     TiledView view;
     QRectF looked;
+    bool striped = false; // the tiles to come
+    bool dappled = false; // the same: no pixel like its neighbours, all half transparent
+    bool eager = false;   // tiles come when they are asked for
 
 private:
     QString id;
+};
+
+// Shows the layer on the screen.
+class Screen final : public QWidget
+{
+public:
+    explicit Screen(HandCrankedLayer& shown) : layer(shown)
+    {
+        resize(256, 256);
+        layer.view.repaint = [this] { update(); };
+        show();
+        exposed = QTest::qWaitForWindowExposed(this);
+    }
+    ~Screen() override { layer.view.repaint = nullptr; }
+
+    QImage picture() { return windowHandle()->screen()->grabWindow(winId()).toImage(); }
+
+    bool exposed = false; // what is not shown yet is not painted
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QRect device = rect();
+        GeoPainter painter(this, layer.looked, device);
+        layer.view.paint(painter, &layer.looked, &device);
+    }
+
+private:
+    HandCrankedLayer& layer;
+};
+
+// Of black and white stripes smoothing makes grey.
+bool isSmooth(const QImage& stripes)
+{
+    for (int x = 0; x < stripes.width(); ++x) {
+        const int value = qGray(stripes.pixel(x, stripes.height() / 2));
+        if (value > 0 && value < 255) {
+            return true;
+        }
+    }
+    return false;
+}
+
+constexpr double betweenLevels = 1.5;
+
+// A page that the layer is printed on, as the canvas does it.
+struct Page
+{
+    // scale cells to a pixel
+    Page(QSize pageSize, double scale)
+        : size(pageSize),
+          world(10.0, -20.0, pageSize.width() * scale, -pageSize.height() * scale),
+          picture(pageSize, QImage::Format_ARGB32_Premultiplied)
+    {
+        picture.fill(Qt::transparent);
+        layer.view.progressive = false;
+        layer.dappled = true;
+        layer.eager = true;
+    }
+
+    // The source answers no more, and is waited for no longer than a millisecond; waits counts.
+    void makeDead(int* waits)
+    {
+        layer.eager = false;
+        layer.view.waitLimit = 1;
+        layer.view.whileWaiting = [waits] {
+            ++*waits;
+            return TiledView::Waiting::GoOn;
+        };
+    }
+    void paint()
+    {
+        QRect device = picture.rect();
+        GeoPainter painter(&picture, world, device);
+        layer.view.paint(painter, &world, &device);
+    }
+    void printInOneGo()
+    {
+        layer.view.setView(size.width(), size.height(), world.left(), world.top(), world.right(),
+                           world.bottom());
+        paint();
+    }
+    void setStrip(int y)
+    {
+        const double unitsX = world.width() / (size.width() - 1);
+        const double unitsY = world.height() / (size.height() - 1);
+        layer.view.setView(size.width(), 512, world.left(), world.top() + unitsY * y,
+                           world.left() + unitsX * size.width(), world.top() + unitsY * (y + 512));
+    }
+    void printInStrips()
+    {
+        for (int y = 0; y < size.height(); y += 512) {
+            setStrip(y);
+            paint();
+        }
+    }
+    bool hasHoles() const
+    {
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                if (qAlpha(picture.pixel(x, y)) == 0) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    QSize size;
+    QRectF world;
+    QImage picture;
+    HandCrankedLayer layer{false};
 };
 
 const QMap<QRgb, int> nothing = {{0U, 256 * 256}};
@@ -176,6 +309,8 @@ private slots:
     void theCoarsestIsLeftAloneWhereItIsDear();
     void theCoarsestIsNotFetchedBeneathItsNeighbour();
     void aViewThatIsInMemoryAsksForNothing();
+    void aViewWithoutPixelsAsksForNothing_data();
+    void aViewWithoutPixelsAsksForNothing();
 
     void whereATileIsMissingTheCoarserOneShows();
     void eachTileTakesThePlaceOfTheCoarserOne();
@@ -188,6 +323,20 @@ private slots:
     void atTheEndOfAMoveTheFullLevelIsAskedFor();
     void aViewThatRestsInAnOpenBracketIsAskedForInFull();
     void withoutAdaptiveRoamAMoveAsksForTheFullLevel();
+
+    void onTheScreenAViewIsSmoothedOnceItRests();
+    void aTileThatComesToAViewAtRestIsSmoothAtOnce();
+    void aViewThatIsNotProgressiveIsSmoothedAtOnce();
+    void aPictureIsSmoothedAtOnce();
+
+    void aPageInStripsIsThePageInOneGo_data();
+    void aPageInStripsIsThePageInOneGo();
+    void aStripIsPaintedFromItsOwnLevel();
+    void aStripIsPaintedWithoutTheRestOfThePage();
+    void whileTilesComeProgressivelyThePageIsPaintedWhole();
+    void aSourceThatDoesNotAnswerIsWaitedForOncePerPage();
+    void aTileThatComesLateLetsTheNextStripWaitAgain();
+    void aProgressiveViewLetsTheNextPageWaitAgain();
 
     void percentIsOfTheLevelOfTheView();
     void aViewBesideTheImageIsCompleteWithItsNearestTiles();
@@ -250,6 +399,25 @@ void TiledViewTest::aViewThatIsInMemoryAsksForNothing()
     layer.look(0.0, 0.0, 1.0);
     layer.bringAsked();
     layer.look(0.0, 0.0, 1.0);
+    QCOMPARE(layer.asked.size(), 0U);
+    QCOMPARE(layer.view.percentComplete(), 100);
+}
+
+void TiledViewTest::aViewWithoutPixelsAsksForNothing_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("none") << QSize(0, 0);
+    QTest::newRow("no column") << QSize(0, 256);
+    QTest::newRow("no row") << QSize(256, 0);
+    QTest::newRow("less than none") << QSize(-1, -1);
+    QTest::newRow("less than no column") << QSize(-256, 256);
+}
+
+void TiledViewTest::aViewWithoutPixelsAsksForNothing()
+{
+    QFETCH(QSize, size);
+    HandCrankedLayer layer;
+    layer.view.setView(size.width(), size.height(), 0.0, 0.0, side, -side);
     QCOMPARE(layer.asked.size(), 0U);
     QCOMPARE(layer.view.percentComplete(), 100);
 }
@@ -379,6 +547,173 @@ void TiledViewTest::withoutAdaptiveRoamAMoveAsksForTheFullLevel()
     QCOMPARE(layer.countAsked(1), 0);
 }
 
+void TiledViewTest::onTheScreenAViewIsSmoothedOnceItRests()
+{
+    HandCrankedLayer layer;
+    layer.striped = true;
+    Screen screen(layer);
+    QVERIFY(screen.exposed);
+    layer.look(0.0, 0.0, betweenLevels);
+    layer.bringAsked();
+    screen.repaint();
+    QVERIFY(!isSmooth(screen.picture()));
+    QTRY_VERIFY(isSmooth(screen.picture()));
+
+    layer.look(64.0, 0.0, betweenLevels);
+    layer.bringAsked();
+    screen.repaint();
+    QVERIFY(!isSmooth(screen.picture()));
+    layer.picture(); // smooth, and no matter of the screen
+    QTRY_VERIFY(isSmooth(screen.picture()));
+}
+
+void TiledViewTest::aTileThatComesToAViewAtRestIsSmoothAtOnce()
+{
+    HandCrankedLayer layer;
+    layer.striped = true;
+    Screen screen(layer);
+    QVERIFY(screen.exposed);
+    layer.look(0.0, 0.0, betweenLevels);
+    QTRY_VERIFY(layer.view.isAtRest());
+    layer.bringAsked();
+    screen.repaint();
+    QVERIFY(isSmooth(screen.picture()));
+}
+
+void TiledViewTest::aViewThatIsNotProgressiveIsSmoothedAtOnce()
+{
+    HandCrankedLayer layer;
+    layer.striped = true;
+    Screen screen(layer);
+    QVERIFY(screen.exposed);
+    layer.look(0.0, 0.0, betweenLevels);
+    layer.bringAsked();
+    layer.view.progressive = false;
+    layer.look(0.0, 0.0, betweenLevels);
+    screen.repaint();
+    QVERIFY(isSmooth(screen.picture()));
+}
+
+void TiledViewTest::aPictureIsSmoothedAtOnce()
+{
+    HandCrankedLayer layer;
+    layer.striped = true;
+    layer.look(0.0, 0.0, betweenLevels);
+    layer.bringAsked();
+    QVERIFY(isSmooth(layer.picture()));
+}
+
+void TiledViewTest::aPageInStripsIsThePageInOneGo_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<double>("scale");
+
+    QTest::newRow("a cell for each pixel") << QSize(200, 1300) << 1.0;
+    QTest::newRow("between two levels") << QSize(200, 1300) << 1.37;
+    QTest::newRow("enlarged") << QSize(200, 1300) << 0.3;
+    QTest::newRow("a page of whole strips") << QSize(200, 1024) << 1.37;
+    QTest::newRow("a page of less than a strip") << QSize(200, 300) << 1.37;
+}
+
+// Pixel for pixel, and no half transparent pixel twice.
+void TiledViewTest::aPageInStripsIsThePageInOneGo()
+{
+    QFETCH(QSize, size);
+    QFETCH(double, scale);
+    Page inStrips(size, scale);
+    Page inOneGo(size, scale);
+
+    inStrips.printInStrips();
+    inOneGo.printInOneGo();
+
+    QCOMPARE(inStrips.picture, inOneGo.picture);
+    QVERIFY(!inStrips.hasHoles());
+}
+
+void TiledViewTest::aStripIsPaintedFromItsOwnLevel()
+{
+    Page page(QSize(200, 900), 1.999); // a strip is wider by a pixel: there are two cells to one
+
+    page.printInStrips();
+
+    QCOMPARE(page.layer.countAsked(0), 0);
+    QVERIFY(page.layer.countAsked(1) > 0);
+    QVERIFY(!page.hasHoles());
+}
+
+void TiledViewTest::aStripIsPaintedWithoutTheRestOfThePage()
+{
+    Page page(QSize(200, 1300), 1.0);
+    page.setStrip(0);
+    page.setStrip(512);
+
+    page.paint(); // of the first strip, which is in memory, nothing comes
+
+    QCOMPARE(qAlpha(page.picture.pixel(100, 511)), 0);
+    QCOMPARE(qAlpha(page.picture.pixel(100, 513)), 128);
+    QCOMPARE(qAlpha(page.picture.pixel(100, 1023)), 128);
+    QCOMPARE(qAlpha(page.picture.pixel(100, 1026)), 0);
+}
+
+void TiledViewTest::whileTilesComeProgressivelyThePageIsPaintedWhole()
+{
+    Page page(QSize(200, 1300), 1.0);
+    page.layer.view.progressive = true;
+    page.setStrip(0);
+    page.setStrip(512);
+
+    page.paint();
+
+    QCOMPARE(qAlpha(page.picture.pixel(100, 100)), 128);
+    QCOMPARE(qAlpha(page.picture.pixel(100, 600)), 128);
+}
+
+void TiledViewTest::aSourceThatDoesNotAnswerIsWaitedForOncePerPage()
+{
+    Page page(QSize(200, 1300), 1.0);
+    int waits = 0;
+    page.makeDead(&waits);
+
+    page.setStrip(0);
+    const int ofTheFirst = waits;
+    page.setStrip(512);
+    page.setStrip(1024);
+
+    QVERIFY(ofTheFirst > 0);
+    QCOMPARE(waits, ofTheFirst);
+}
+
+void TiledViewTest::aTileThatComesLateLetsTheNextStripWaitAgain()
+{
+    Page page(QSize(200, 1300), 1.0);
+    int waits = 0;
+    page.makeDead(&waits);
+    page.setStrip(0);
+    const int ofTheFirst = waits;
+
+    page.layer.bring({0, 0, 0});
+    page.setStrip(512);
+
+    QVERIFY(waits > ofTheFirst);
+}
+
+void TiledViewTest::aProgressiveViewLetsTheNextPageWaitAgain()
+{
+    Page page(QSize(200, 1300), 1.0);
+    int waits = 0;
+    page.makeDead(&waits);
+    page.setStrip(0);
+    const int ofTheFirst = waits;
+
+    page.layer.view.progressive = true;
+    page.setStrip(0); // the screen again
+    page.layer.view.progressive = false;
+    QCOMPARE(waits, ofTheFirst);
+    page.setStrip(0);
+
+    QVERIFY(waits > ofTheFirst);
+}
+
 void TiledViewTest::percentIsOfTheLevelOfTheView()
 {
     HandCrankedLayer layer;
@@ -499,8 +834,8 @@ void TiledViewTest::aTileAskedForMeanwhileIsTold()
     QVERIFY(!exchange.isOwed({0, 1, 1}));
     exchange.ask({0, 1, 1});
     QVERIFY(exchange.wasAskedMeanwhile({0, 1, 1}));
-    QVERIFY(exchange.waitForNews(0));
-    QVERIFY(!exchange.waitForNews(0));
+    QVERIFY(exchange.waitForNews(1, 0));
+    QVERIFY(!exchange.waitForNews(1, 0));
 }
 
 void TiledViewTest::oneReaderBringsTheRowsOfAll()
@@ -548,7 +883,7 @@ void TiledViewTest::afterTheEndNothingIsTaken()
 int main(int argc, char** argv)
 {
     QLoggingCategory::setFilterRules("corvane.tiles.debug=false");
-    QGuiApplication application(argc, argv);
+    QApplication application(argc, argv);
     TiledViewTest test;
     return QTest::qExec(&test, argc, argv);
 }

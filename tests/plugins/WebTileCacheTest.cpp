@@ -1,11 +1,11 @@
-#include <plugins/webtiles/TileCache.h>
+#include <plugins/common/TileCache.h>
 
 #include <tests/plugins/LayerProbe.h>
 #include <tests/plugins/WebTileTools.h>
 
-#include <plugins/webtiles/Freshness.h>
-#include <plugins/webtiles/HttpFetch.h>
-#include <plugins/webtiles/WebClock.h>
+#include <plugins/common/Freshness.h>
+#include <plugins/common/HttpFetch.h>
+#include <plugins/common/WebClock.h>
 #include <plugins/webtiles/WebTileLayer.h>
 
 #include <QDirIterator>
@@ -138,7 +138,7 @@ void WebTileCacheTest::headersTellHowLongAnAnswerHolds()
     QFETCH(qint64, life);
     FetchResult result;
     for (const auto& header : headers) {
-        result.headers.emplace_back(header.first, header.second);
+        result.addHeader(header.first, header.second);
     }
     const Freshness freshness = freshnessOf(result, start);
     QCOMPARE(freshness.mayStore, mayStore);

@@ -3,7 +3,7 @@
 #include <tests/plugins/LayerProbe.h>
 #include <tests/plugins/WebTileTools.h>
 
-#include <plugins/webtiles/TileCache.h>
+#include <plugins/common/TileCache.h>
 #include <plugins/webtiles/WebTileLayer.h>
 #include <plugins/webtiles/WebTilePlugin.h>
 

@@ -3,8 +3,8 @@
 #include <tests/plugins/LayerProbe.h>
 #include <tests/plugins/WebTileTools.h>
 
-#include <plugins/webtiles/TileCache.h>
-#include <plugins/webtiles/WebClock.h>
+#include <plugins/common/TileCache.h>
+#include <plugins/common/WebClock.h>
 
 #include <QElapsedTimer>
 #include <QLocale>
@@ -19,6 +19,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <tuple>
 
 using namespace Corvane;
@@ -30,7 +31,6 @@ namespace {
 constexpr int tileEdge = 256;
 constexpr qint64 start = 1700000000000; // milliseconds since 1970, where the clock stands
 constexpr int generous = 60000;         // milliseconds, for what has to come at some time
-constexpr int never = 300;              // milliseconds, in which the layer looks for what is due
 
 using Answer = std::function<HttpReply(const TileNumbers&)>;
 
@@ -54,6 +54,30 @@ private:
     QElapsedTimer clock;
 };
 
+/// Turns the clock without end, on a thread of its own.
+class TurningClock
+{
+public:
+    TurningClock()
+        : thread([this] {
+              for (qint64 time = start; !ending; ++time) {
+                  WebClock::standAt(time);
+                  std::this_thread::yield();
+              }
+          })
+    {
+    }
+    ~TurningClock()
+    {
+        ending = true;
+        thread.join();
+    }
+
+private:
+    std::atomic<bool> ending{false};
+    std::thread thread;
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(Answer)
@@ -75,6 +99,7 @@ private slots:
     void aTileThatIsPutOffIsNotAskedForByAnotherView();
     void theServerSaysWhenItWantsToBeAskedAgain_data();
     void theServerSaysWhenItWantsToBeAskedAgain();
+    void anAnswerUnderWayDoesNotEndThePause();
     void aServerThatKeepsFailingIsLeftAlone();
     void oneBrokenTileDoesNotStopTheOthers();
     void aThousandTilesOfAnUnreliableServerAllCome();
@@ -91,6 +116,8 @@ private slots:
 private:
     void openWith(TileServer& server, WebTileLayer& layer, int maxZoom);
     void advance(qint64 milliseconds);
+    /// What the server was asked once the layer has asked for all that is due.
+    static int requestsAfterALook(const TileServer& server, WebTileLayer& layer);
 
     qint64 now = start;
 };
@@ -124,6 +151,13 @@ void WebTileFailuresTest::advance(qint64 milliseconds)
 {
     now += milliseconds;
     WebClock::standAt(now);
+}
+
+int WebTileFailuresTest::requestsAfterALook(const TileServer& server, WebTileLayer& layer)
+{
+    layer.retryDue();
+    QThreadPool::globalInstance()->waitForDone();
+    return server.requestCount();
 }
 
 namespace {
@@ -166,11 +200,11 @@ void WebTileFailuresTest::aTileThatFailsIsMissingAndComesLater_data()
                                "image/svg+xml")),
         "no picture");
     row(
-        "a picture of another size",
+        "a picture that is far too large",
         [](const TileNumbers& tile) {
-            return HttpReply::data(pngOf(tile.colour(), 300), "image/png");
+            return HttpReply::data(pngOf(tile.colour(), 2049), "image/png");
         },
-        "300 x 300");
+        "the picture is too large, 2049 x 2049 pixels");
     row(
         "a picture that is cut off",
         [whole](const TileNumbers& tile) { return whole(tile).cutAfter(100); }, "");
@@ -192,7 +226,7 @@ void WebTileFailuresTest::aTileThatFailsIsMissingAndComesLater()
     TileServer server;
     server.onTile(answer);
     WebTileLayer layer;
-    layer.setDeadline(QTest::currentDataTag() == QByteArray("a body without end") ? 30.0 : 0.5);
+    layer.setDeadline(QByteArray(QTest::currentDataTag()).startsWith("a stall") ? 0.5 : 60.0);
     openWith(server, layer, 2);
     const PixelView view = viewOf(0, 0, 1, 1);
     view.set(layer);
@@ -239,13 +273,9 @@ void WebTileFailuresTest::thePausesGrow()
     viewOf(0, 0, 1, 1).set(layer);
     int requests = 0;
     for (const qint64 pause : {1, 2, 4, 8, 16, 32, 60, 60}) {
-        ++requests;
-        QTRY_COMPARE_WITH_TIMEOUT(server.requestCount(), requests, generous);
-        QVERIFY(QThreadPool::globalInstance()->waitForDone(generous));
-        QCoreApplication::processEvents();
+        QCOMPARE(requestsAfterALook(server, layer), ++requests);
         advance(pause * 1000 - 1);
-        QTest::qWait(never);
-        QCOMPARE(server.requestCount(), requests);
+        QCOMPARE(requestsAfterALook(server, layer), requests);
         advance(1);
     }
 }
@@ -301,11 +331,27 @@ void WebTileFailuresTest::theServerSaysWhenItWantsToBeAskedAgain()
     server.onTile([](const TileNumbers& tile) { return tileReply(tile); });
     advance(89999);
     viewOf(0, 0, 2, 1).set(layer); // another tile is not asked for either
-    QTest::qWait(never);
-    QCOMPARE(server.requestCount(), 1);
+    QCOMPARE(requestsAfterALook(server, layer), 1);
     advance(1);
     QTRY_COMPARE_WITH_TIMEOUT(int(layer.getPercentComplete()), 100, generous);
     QCOMPARE(server.requestCount(), 3);
+}
+
+void WebTileFailuresTest::anAnswerUnderWayDoesNotEndThePause()
+{
+    TileServer server;
+    server.onTile([](const TileNumbers& tile) {
+        return tile.x == 0 ? HttpReply::withStatus(429).header("Retry-After", "90")
+                           : tileReply(tile).held();
+    });
+    WebTileLayer layer;
+    openWith(server, layer, 3);
+    viewOf(0, 0, 2, 1).set(layer);
+    QVERIFY(server.waitForHeld(1));
+    QTRY_VERIFY_WITH_TIMEOUT(layer.getSourceState().startsWith("left alone for 90 s"), generous);
+    server.release();
+    QTRY_COMPARE_WITH_TIMEOUT(int(layer.getPercentComplete()), 50, generous);
+    QVERIFY(layer.getSourceState().startsWith("left alone for 90 s"));
 }
 
 void WebTileFailuresTest::aServerThatKeepsFailingIsLeftAlone()
@@ -323,8 +369,7 @@ void WebTileFailuresTest::aServerThatKeepsFailingIsLeftAlone()
     const int asked = server.requestCount();
     QVERIFY2(asked < 24, qPrintable(QString::number(asked)));
     viewOf(8, 8, 8, 8).set(layer);
-    QTest::qWait(never);
-    QCOMPARE(server.requestCount(), asked);
+    QCOMPARE(requestsAfterALook(server, layer), asked);
     QCOMPARE(log.holding("left alone").size(), 1);
 
     advance(5000); // the first one that fails again doubles the pause
@@ -386,13 +431,11 @@ void WebTileFailuresTest::aThousandTilesOfAnUnreliableServerAllCome()
     const PixelView view = viewOf(3, 5, 40, 25);
     Heartbeat heartbeat;
     view.set(layer);
-    QElapsedTimer patience;
-    patience.start();
-    while (layer.getPercentComplete() < 100 && patience.elapsed() < 2 * generous) {
-        advance(100);
-        QTest::qWait(10);
-    }
-    QCOMPARE(int(layer.getPercentComplete()), 100);
+    const auto isCompleteBy = [&](qint64 milliseconds) {
+        advance(milliseconds);
+        return layer.getPercentComplete() == 100;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isCompleteBy(100), 2 * generous);
     const QImage picture = painted(layer, view);
     for (int x = 0; x < 40; ++x) {
         for (int y = 0; y < 25; ++y) {
@@ -406,7 +449,7 @@ void WebTileFailuresTest::aThousandTilesOfAnUnreliableServerAllCome()
 
 void WebTileFailuresTest::withoutProgressAViewWaitsForSecondAttempts()
 {
-    WebClock::standAt(-1); // nobody turns the clock while the thread waits
+    const TurningClock clock; // nobody else turns it while the thread waits
     TileServer server;
     std::atomic<int> count{0};
     server.onTile([&count](const TileNumbers& tile) {
@@ -445,7 +488,7 @@ void WebTileFailuresTest::aTransferEndsWhenTheLayerGoes()
     auto layer = std::make_unique<WebTileLayer>();
     layer->setDeadline(600.0);
     openWith(server, *layer, 5);
-    viewOf(0, 0, 8, 8).set(*layer);
+    viewOf(0, 0, 20, 16).set(*layer); // hundreds of tiles
     QVERIFY(server.waitForHeld(8));
     QElapsedTimer clock;
     clock.start();
@@ -453,7 +496,6 @@ void WebTileFailuresTest::aTransferEndsWhenTheLayerGoes()
     const qint64 deleting = clock.elapsed();
     QVERIFY(QThreadPool::globalInstance()->waitForDone(generous));
     qInfo("deleted after %lld ms, transfers ended after %lld ms", deleting, clock.elapsed());
-    QVERIFY2(clock.elapsed() < 2000, "50 milliseconds and some patience with the machine");
     QCOMPARE(server.requestCount(), 8);
 }
 

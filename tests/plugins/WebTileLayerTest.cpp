@@ -3,9 +3,12 @@
 #include <tests/plugins/LayerProbe.h>
 #include <tests/plugins/WebTileTools.h>
 
-#include <plugins/webtiles/TileCache.h>
+#include <plugins/common/TileCache.h>
 
-#include <ogr_spatialref.h>
+#include <cpl_string.h>
+#include <cpl_vsi.h>
+#include <gdal.h>
+#include <ogr_srs_api.h>
 
 #include <QDir>
 #include <QDomDocument>
@@ -15,6 +18,7 @@
 #include <QThreadPool>
 #include <QtTest>
 
+#include <array>
 #include <cmath>
 #include <memory>
 #include <set>
@@ -42,6 +46,53 @@ QRgb middleOf(const QImage& picture, int column, int row)
     return picture.pixel(column * tileEdge + tileEdge / 2, row * tileEdge + tileEdge / 2);
 }
 
+struct GdalTile
+{
+    QSize size;
+    std::array<double, 6> transform{};
+};
+
+/// A picture of a few millionths of a degree around the place.
+GDALDatasetH speckAt(double longitude, double latitude)
+{
+    constexpr double cell = 1e-7; // degrees
+    constexpr int cells = 8;
+    const GDALDatasetH speck =
+        GDALCreate(GDALGetDriverByName("MEM"), "", cells, cells, 1, GDT_Byte, nullptr);
+    std::array<double, 6> transform{longitude - cells / 2 * cell, cell, 0.0,
+                                    latitude + cells / 2 * cell,  0.0,  -cell};
+    GDALSetGeoTransform(speck, transform.data());
+    const OGRSpatialReferenceH degrees = OSRNewSpatialReference(SRS_WKT_WGS84_LAT_LONG);
+    OSRSetAxisMappingStrategy(degrees, OAMS_TRADITIONAL_GIS_ORDER);
+    GDALSetSpatialRef(speck, degrees);
+    OSRDestroySpatialReference(degrees);
+    return speck;
+}
+
+/// The tile in GDAL's own matrix of this grid that holds a place: what GDAL writes of the place into
+/// a file that it aligns with its tiles.
+GdalTile gdalsTileAt(double longitude, double latitude, int zoom)
+{
+    const char* const file = "/vsimem/tile.tif";
+    const QByteArray level = "ZOOM_LEVEL=" + QByteArray::number(zoom);
+    CPLStringList options;
+    options.AddString("TILING_SCHEME=GoogleMapsCompatible");
+    options.AddString(level.constData());
+    options.AddString("ADD_ALPHA=NO");
+    const GDALDatasetH speck = speckAt(longitude, latitude);
+    const GDALDatasetH aligned = GDALCreateCopy(GDALGetDriverByName("COG"), file, speck, FALSE,
+                                                options.List(), nullptr, nullptr);
+    GdalTile tile;
+    if (aligned) {
+        tile.size = QSize(GDALGetRasterXSize(aligned), GDALGetRasterYSize(aligned));
+        GDALGetGeoTransform(aligned, tile.transform.data());
+        GDALClose(aligned);
+        VSIUnlink(file);
+    }
+    GDALClose(speck);
+    return tile;
+}
+
 } // namespace
 
 /// What a web tile layer asks for, where it lies and what it paints, against a real server.
@@ -59,14 +110,14 @@ private slots:
     void theWorldIsTheSquareOfWebMercator();
     void thePyramidEndsAtTheFinestZoomThatFits_data();
     void thePyramidEndsAtTheFinestZoomThatFits();
-    void tilesLieWhereTheProjectionPutsTheirCorners_data();
-    void tilesLieWhereTheProjectionPutsTheirCorners();
+    void tilesLieWhereGdalsTileMatrixHasThem_data();
+    void tilesLieWhereGdalsTileMatrixHasThem();
 
     void theTilesOfTheViewArePainted_data();
     void theTilesOfTheViewArePainted();
     void eachTileIsFetchedOnce();
-    void picturesForFineScreensKeepTheirPixels();
-    void picturesOfAnotherSizeAreNone();
+    void aPictureOfAnotherSizeCoversItsPartOfTheTile_data();
+    void aPictureOfAnotherSizeCoversItsPartOfTheTile();
     void zoomsThatTheServerLacksAreEmptyAndNotAskedFor();
     void whatTheServerHasNotIsEmptyAndRemembered_data();
     void whatTheServerHasNotIsEmptyAndRemembered();
@@ -74,6 +125,7 @@ private slots:
     void theAttributionStandsInTheLowerRightCorner();
     void transparencyFadesTheTiles();
     void atMostEightConnectionsAreOpened();
+    void aViewTornOutOfShapeIsShownCoarserAndNotInMillionsOfTiles();
 
     void settingsSurviveADocument();
     void aLayerThatIsNotOpenSavesNoMadeUpSettings();
@@ -91,6 +143,7 @@ private:
 void WebTileLayerTest::initTestCase()
 {
     QVERIFY(folder.isValid());
+    GDALAllRegister();
     TileCache::instance().setFolder(QString(), 0);
 }
 
@@ -187,58 +240,47 @@ void WebTileLayerTest::thePyramidEndsAtTheFinestZoomThatFits()
     QCOMPARE(layer.getBounds().width() / layer.getCellSizeX(), double(side));
 }
 
-void WebTileLayerTest::tilesLieWhereTheProjectionPutsTheirCorners_data()
+void WebTileLayerTest::tilesLieWhereGdalsTileMatrixHasThem_data()
 {
     QTest::addColumn<int>("zoom");
-    QTest::addColumn<int>("x");
-    QTest::addColumn<int>("y");
-    QTest::newRow("the north-east quarter") << 1 << 1 << 0;
-    QTest::newRow("the middle of the world") << 2 << 2 << 2;
-    QTest::newRow("the south-west corner") << 3 << 0 << 7;
-    QTest::newRow("Europe") << 5 << 16 << 10;
-    QTest::newRow("the Alps") << 8 << 133 << 89;
-    QTest::newRow("the Andes") << 9 << 155 << 285;
-    QTest::newRow("a street in London") << 16 << 32744 << 21792;
-    QTest::newRow("a street in Sydney") << 17 << 120581 << 78665;
-    QTest::newRow("the last column") << 18 << 262143 << 100000;
-    QTest::newRow("the finest zoom") << 22 << 2097153 << 1400001;
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("latitude");
+    QTest::newRow("the north-east quarter of the world") << 1 << 40.0 << 60.0;
+    QTest::newRow("south-east of its middle") << 2 << 0.1 << -0.1;
+    QTest::newRow("its south-west corner") << 3 << -179.9 << -85.0;
+    QTest::newRow("Europe") << 5 << 7.0 << 52.0;
+    QTest::newRow("the Alps") << 8 << 7.65 << 46.0;
+    QTest::newRow("the Andes") << 9 << -70.01 << -32.65;
+    QTest::newRow("a street in London") << 16 << -0.1276 << 51.5072;
+    QTest::newRow("a street in Sydney") << 17 << 151.2093 << -33.8688;
+    QTest::newRow("the last column") << 18 << 179.9999 << 39.5;
+    QTest::newRow("the finest zoom") << 22 << 0.00004 << 50.00004;
 }
 
-void WebTileLayerTest::tilesLieWhereTheProjectionPutsTheirCorners()
+void WebTileLayerTest::tilesLieWhereGdalsTileMatrixHasThem()
 {
     QFETCH(int, zoom);
-    QFETCH(int, x);
-    QFETCH(int, y);
+    QFETCH(double, longitude);
+    QFETCH(double, latitude);
+    const GdalTile expected = gdalsTileAt(longitude, latitude, zoom);
+    QCOMPARE(expected.size, QSize(tileEdge, tileEdge));
+    const double* const place = expected.transform.data();
+    const int x = qRound((place[0] + edge) / (place[1] * tileEdge));
+    const int y = qRound((place[3] - edge) / (place[5] * tileEdge));
+
     TileServer server;
     WebTileLayer layer;
     layer.setMaxZoom(zoom);
     QVERIFY(layer.setDataSource(server.tiles()));
     complete(layer, viewOf(layer, zoom, x, y, 1, 1));
-    const TileId id{0, unsigned(x), unsigned(y)};
-    const GeoImage* const tile = layer.tiles().find(id);
+    const GeoImage* const tile = layer.tiles().find({0, unsigned(x), unsigned(y)});
     QVERIFY(tile);
     QCOMPARE(tile->pixel(5, 5), (TileNumbers{zoom, unsigned(x), unsigned(y)}.colour()));
-
-    OGRSpatialReference degrees;
-    OGRSpatialReference metres;
-    degrees.importFromEPSG(4326);
-    metres.importFromEPSG(3857);
-    degrees.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-    const std::unique_ptr<OGRCoordinateTransformation> projection(
-        OGRCreateCoordinateTransformation(&degrees, &metres));
-    QVERIFY(projection);
-    const auto corner = [&](int column, int row) {
-        const double count = std::exp2(zoom);
-        double longitude = column / count * 360.0 - 180.0;
-        double latitude = std::atan(std::sinh(M_PI * (1.0 - 2.0 * row / count))) * 180.0 / M_PI;
-        projection->Transform(1, &longitude, &latitude);
-        return QPointF(longitude, latitude);
-    };
-    constexpr double tolerance = 1e-3; // metres
-    QVERIFY(std::abs(tile->tlx - corner(x, y).x()) < tolerance);
-    QVERIFY(std::abs(tile->tly - corner(x, y).y()) < tolerance);
-    QVERIFY(std::abs(tile->bry - corner(x + 1, y + 1).y()) < tolerance);
-    QVERIFY(std::abs(tile->brx - tile->tlx - 2 * edge / std::exp2(zoom)) < tolerance);
+    constexpr double rounding = 1e-7; // metres
+    QVERIFY(std::abs(tile->tlx - place[0]) < rounding);
+    QVERIFY(std::abs(tile->tly - place[3]) < rounding);
+    QVERIFY(std::abs(tile->brx - (place[0] + place[1] * tileEdge)) < rounding);
+    QVERIFY(std::abs(tile->bry - (place[3] + place[5] * tileEdge)) < rounding);
 }
 
 void WebTileLayerTest::theTilesOfTheViewArePainted_data()
@@ -290,32 +332,54 @@ void WebTileLayerTest::eachTileIsFetchedOnce()
     QVERIFY(targets.size() >= 30);
 }
 
-void WebTileLayerTest::picturesForFineScreensKeepTheirPixels()
+void WebTileLayerTest::aPictureOfAnotherSizeCoversItsPartOfTheTile_data()
 {
-    TileServer server;
-    server.onTile([](const TileNumbers& tile) { return tileReply(tile, 512); });
-    WebTileLayer layer;
-    layer.setMaxZoom(4);
-    QVERIFY(layer.setDataSource(server.tiles()));
-    const QImage picture = complete(layer, viewOf(layer, 4, 3, 3, 1, 1));
-    QCOMPARE(middleOf(picture, 0, 0), (TileNumbers{4, 3, 3}.colour()));
-    const GeoImage* const tile = layer.tiles().find({0, 3, 3});
-    QVERIFY(tile);
-    QCOMPARE(tile->size(), QSize(512, 512));
-    QCOMPARE(tile->brx - tile->tlx, 2 * edge / 16);
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QSize>("covered"); // pixels of a tile of 256
+    QTest::newRow("twice as fine") << QSize(512, 512) << QSize(256, 256);
+    QTest::newRow("four times as fine") << QSize(1024, 1024) << QSize(256, 256);
+    QTest::newRow("as large as may be") << QSize(2048, 2048) << QSize(256, 256);
+    QTest::newRow("a little finer") << QSize(300, 300) << QSize(256, 256);
+    QTest::newRow("coarser") << QSize(128, 128) << QSize(256, 256);
+    QTest::newRow("one pixel") << QSize(1, 1) << QSize(256, 256);
+    QTest::newRow("short at the lower edge") << QSize(256, 100) << QSize(256, 100);
+    QTest::newRow("short at the right edge") << QSize(64, 256) << QSize(64, 256);
+    QTest::newRow("short at both edges") << QSize(200, 100) << QSize(200, 100);
+    QTest::newRow("short and twice as fine") << QSize(512, 200) << QSize(256, 100);
 }
 
-void WebTileLayerTest::picturesOfAnotherSizeAreNone()
+void WebTileLayerTest::aPictureOfAnotherSizeCoversItsPartOfTheTile()
 {
+    QFETCH(QSize, size);
+    QFETCH(QSize, covered);
     TileServer server;
-    server.onTile([](const TileNumbers& tile) { return tileReply(tile, 200); });
+    server.onTile([size](const TileNumbers& tile) {
+        return HttpReply::data(pngOf(tile.colour(), size), "image/png");
+    });
     WebTileLayer layer;
     layer.setMaxZoom(4);
     QVERIFY(layer.setDataSource(server.tiles()));
-    viewOf(layer, 4, 3, 3, 1, 1).set(layer);
-    QTRY_COMPARE(layer.getLastError(),
-                 QString("the picture has 200 x 200 pixels instead of 256 x 256"));
-    QVERIFY(!layer.tiles().has({0, 3, 3}));
+    const PixelView view{tileEdge, tileEdge, 3 * tileEdge, 3 * tileEdge, 1.0};
+    const QImage picture = complete(layer, view);
+    const GeoImage* const tile = layer.tiles().find({0, 3, 3});
+    QVERIFY(tile);
+    QCOMPARE(tile->size(), size);
+    const double pixel = 2 * edge / 16 / tileEdge;
+    QCOMPARE((tile->brx - tile->tlx) / pixel, double(covered.width()));
+    QCOMPARE((tile->tly - tile->bry) / pixel, double(covered.height()));
+
+    const QRgb colour = TileNumbers{4, 3, 3}.colour();
+    for (int x = 2; x < tileEdge - 2; ++x) {
+        for (int y = 2; y < tileEdge - 2; ++y) {
+            const bool onEdge =
+                std::abs(x - covered.width()) < 2 || std::abs(y - covered.height()) < 2;
+            const bool inside = x < covered.width() && y < covered.height();
+            if (!onEdge) {
+                QCOMPARE(picture.pixel(x, y), inside ? colour : qRgba(0, 0, 0, 0));
+            }
+        }
+    }
+    QCOMPARE(layer.getSourceState(), QString("ready"));
 }
 
 void WebTileLayerTest::zoomsThatTheServerLacksAreEmptyAndNotAskedFor()
@@ -415,6 +479,34 @@ void WebTileLayerTest::atMostEightConnectionsAreOpened()
     }
     QVERIFY(server.requestCount() >= 512);
     QVERIFY2(server.connectionCount() <= 8, qPrintable(QString::number(server.connectionCount())));
+}
+
+// As wide as two pixels of the finest zoom and as high as the world, which is four million rows.
+void WebTileLayerTest::aViewTornOutOfShapeIsShownCoarserAndNotInMillionsOfTiles()
+{
+    const TileServer server;
+    WebTileLayer layer;
+    layer.setMaxZoom(22);
+    layer.setProgressive(false);
+    QVERIFY(layer.setDataSource(server.tiles()));
+    const QSize size(16, 256);
+    const QRectF world(-edge, edge, 0.6, -2 * edge);
+    layer.setView(size.width(), size.height(), world.left(), world.top(), world.right(),
+                  world.bottom());
+    QCOMPARE(int(layer.getPercentComplete()), 100);
+    const int asked = server.requestCount();
+    QVERIFY2(asked >= 256 && asked <= 2 * 64 * 3 * 2, qPrintable(QString::number(asked)));
+
+    QImage picture(size, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QRectF painted = world;
+    QRect device = picture.rect();
+    GeoPainter painter(&picture, painted, device);
+    layer.paint(painter, &painted, &device);
+    painter.end();
+    for (int y = 0; y < size.height(); ++y) {
+        QCOMPARE(qAlpha(picture.pixel(8, y)), 255);
+    }
 }
 
 void WebTileLayerTest::settingsSurviveADocument()

@@ -1,27 +1,23 @@
+#include <tests/plugins/LayerPluginFile.h>
+
 #include <corvane/core/Application.h>
-#include <corvane/core/ILayerPluginInfo.h>
 #include <corvane/core/PluginManager.h>
 #include <corvane/map/RasterLayer.h>
 #include <corvane/tiles/ITiledLayer.h>
 
 #include <QAction>
-#include <QDir>
 #include <QLoggingCategory>
-#include <QPluginLoader>
 #include <QtTest>
 
 #include <memory>
 
 using namespace Corvane;
+using namespace Corvane::Tests;
 
 namespace {
 
 constexpr char className[] = "Corvane::Map::WebTileLayer";
-
-QString pluginFile()
-{
-    return QDir(QStringLiteral(CORVANE_PLUGIN_DIR)).filePath("corvane-webtiles.so");
-}
+constexpr char pluginName[] = "corvane-webtiles.so";
 
 } // namespace
 
@@ -36,31 +32,18 @@ private slots:
     void theManagerMakesItsLayerByClassName();
     void theManagerFindsItByFileExtension_data();
     void theManagerFindsItByFileExtension();
+    void thePropertyPageIsFoundByClassName();
     void thereIsAnActionThatAddsWebTiles();
 };
 
 void WebTilePluginFileTest::initTestCase()
 {
-    // the manager looks beside the program
-    const QString plugins = QCoreApplication::applicationDirPath() + "/tvviewerplugins";
-    QDir().mkpath(plugins);
-    const QString link = plugins + "/corvane-webtiles.so";
-    QFile::remove(link);
-    QVERIFY(QFile::link(pluginFile(), link));
+    offerPlugin(pluginName);
 }
 
 void WebTilePluginFileTest::theFileOffersTheThreeInterfaces()
 {
-    QPluginLoader loader(pluginFile());
-    QObject* const root = loader.instance();
-    QVERIFY2(root, qPrintable(loader.errorString()));
-    QVERIFY(root->qt_metacast("com.corvane.viewer.ILayerPlugin/1.0"));
-    QVERIFY(root->qt_metacast("com.corvane.viewer.ILayerEditorPlugin/1.0"));
-    auto* const info = static_cast<ILayerPluginInfo*>(
-        root->qt_metacast("com.corvane.viewer.ILayerPluginInfo/1.0"));
-    QVERIFY(info);
-    QCOMPARE(info->getClassName(), QString(className));
-    QVERIFY(info->isEnabled());
+    verifyInterfaces(pluginName, className);
 }
 
 void WebTilePluginFileTest::theManagerMakesItsLayerByClassName()
@@ -91,6 +74,15 @@ void WebTilePluginFileTest::theManagerFindsItByFileExtension()
     QFETCH(QString, extension);
     QFETCH(QString, found);
     QCOMPARE(PluginManager::findLayerClassname(extension), found);
+}
+
+void WebTilePluginFileTest::thePropertyPageIsFoundByClassName()
+{
+    const QList<QWidget*> pages = PluginManager::getLayerPropertyWidgets(className);
+    QCOMPARE(pages.size(), 1);
+    const std::unique_ptr<QWidget> page(pages.first());
+    QVERIFY(page->qt_metacast("com.corvane.viewer.ILayerPropertiesWidget/1.0"));
+    QCOMPARE(page->windowTitle(), QString("Web Tiles"));
 }
 
 void WebTilePluginFileTest::thereIsAnActionThatAddsWebTiles()

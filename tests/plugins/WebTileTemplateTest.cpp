@@ -76,6 +76,8 @@ private slots:
     void otherGridsAreRefused_data();
     void otherGridsAreRefused();
     void aNameChoosesTheLayer();
+    void aDocumentNestedWithoutEndIsRefused();
+    void valuesThatGrowByEachOtherAreRefused();
     void documentsOfAnotherKindAreRefused_data();
     void documentsOfAnotherKindAreRefused();
 };
@@ -259,6 +261,32 @@ void WebTileTemplateTest::aNameChoosesTheLayer()
     QCOMPARE(offer->title, QString("The photo"));
     QVERIFY(!readCapabilities(document, "nothing", &error));
     QCOMPARE(error, QString("there is no layer nothing"));
+}
+
+// More levels than a stack has room for.
+void WebTileTemplateTest::aDocumentNestedWithoutEndIsRefused()
+{
+    constexpr int levels = 1000000;
+    QString error;
+    const QByteArray depth = QByteArray("<a>").repeated(levels);
+    QVERIFY(!readCapabilities(capabilities(depth, ""), "", &error));
+    QCOMPARE(error, QString("the capabilities cannot be read: they are nested too deeply"));
+}
+
+// Each value names the next one twice: the URL would have 2^60 characters.
+void WebTileTemplateTest::valuesThatGrowByEachOtherAreRefused()
+{
+    QByteArray rest = "<ResourceURL format=\"image/png\" resourceType=\"tile\" "
+                      "template=\"http://e.org/{d0}/{TileMatrix}/{TileRow}/{TileCol}.png\"/>";
+    for (int i = 0; i < 60; ++i) {
+        const QByteArray next = "{d" + QByteArray::number(i + 1) + "}";
+        rest += "<Dimension><ows:Identifier>d" + QByteArray::number(i) +
+                "</ows:Identifier><Default>" + next + next + "</Default></Dimension>";
+    }
+    QString error;
+    const QByteArray set = matrixSet("web", matrix("0", world));
+    QVERIFY(!readCapabilities(capabilities(layer("chart", "web", rest), set), "", &error));
+    QCOMPARE(error, QString("no layer comes in Web Mercator tiles"));
 }
 
 void WebTileTemplateTest::documentsOfAnotherKindAreRefused_data()

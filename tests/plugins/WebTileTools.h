@@ -8,6 +8,7 @@
 #include <QByteArray>
 #include <QColor>
 #include <QImage>
+#include <QSize>
 #include <QString>
 
 #include <cstdio>
@@ -39,15 +40,20 @@ struct TileNumbers
     }
 };
 
-inline QByteArray pngOf(QRgb colour, int edge = 256)
+inline QByteArray pngOf(QRgb colour, const QSize& size)
 {
-    QImage image(edge, edge, QImage::Format_RGB32);
+    QImage image(size, QImage::Format_RGB32);
     image.fill(colour);
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, "PNG");
     return bytes;
+}
+
+inline QByteArray pngOf(QRgb colour, int edge = 256)
+{
+    return pngOf(colour, QSize(edge, edge));
 }
 
 inline HttpReply tileReply(const TileNumbers& tile, int edge = 256)

@@ -1,0 +1,1 @@
+#include <plugins/imageserver/PluginRoot.h>

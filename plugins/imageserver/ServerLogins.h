@@ -1,0 +1,17 @@
+#pragma once
+
+#include <plugins/imageserver/ImageServerAddress.h>
+
+namespace Corvane::Map {
+
+/// The credentials that servers have accepted, as long as the program runs: documents and settings
+/// hold none, and whoever opens a second image of a server is not asked again. GUI thread only.
+namespace ServerLogins {
+
+/// Those for the server, and for the user where one is named; empty where none are known.
+ServerCredentials find(const QString& serverName, const QString& user);
+void remember(const QString& serverName, const ServerCredentials& credentials);
+void forgetAll();
+
+} // namespace ServerLogins
+} // namespace Corvane::Map

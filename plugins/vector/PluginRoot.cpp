@@ -1,0 +1,1 @@
+#include <plugins/vector/PluginRoot.h>
