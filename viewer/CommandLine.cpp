@@ -1,5 +1,7 @@
 #include <viewer/CommandLine.h>
 
+#include <viewer/PdfFile.h>
+
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -18,20 +20,36 @@ constexpr double longestTimeoutSeconds = 1.0e6;
 
 struct ViewerOptionSet
 {
-    QCommandLineOption snapshot{"snapshot",
-                                QString("Render the map to FILE (PNG or JPEG), then end. Needs no "
-                                        "display."),
-                                "FILE"};
+    QCommandLineOption snapshot{
+        "snapshot",
+        QString("Render the map to FILE (PNG, JPEG or PDF), then end. Needs no "
+                "display."),
+        "FILE"};
+    QCommandLineOption render{
+        "render",
+        QString("The same, with everything that the picture lacks named on standard error: layers "
+                "that failed, tiles that are missing."),
+        "FILE"};
     QCommandLineOption size{
-        "size", QString("Size of the snapshot in pixels, 1280x720 unless told."), "WxH"};
+        "size",
+        QString("Size of the snapshot in pixels, of a PDF page in points, 1280x720 unless told."),
+        "WxH"};
     QCommandLineOption extent{"extent",
                               QString("World rectangle of the snapshot in map units, grown to its "
-                                      "shape; everything unless told."),
+                                      "shape; that of a map, or everything, unless told."),
                               "tlx,tly,brx,bry"};
     QCommandLineOption timeout{
         "timeout", QString("How long to wait for the files in seconds, 60 unless told."),
         "SECONDS"};
-    QCommandLineOption info{"info", QString("Print what is known of each file as JSON, then end.")};
+    QCommandLineOption info{"info",
+                            QString("Print what is known of each file and map, then end: text "
+                                    "on a terminal, else JSON.")};
+    QCommandLineOption json{"json", QString("With --info: JSON on a terminal, too.")};
+    QCommandLineOption newInstance{
+        "new-instance", QString("Open the files here, even where a window is open that would.")};
+    QCommandLineOption config{
+        "config", QString("Keep the settings in FILE, in INI format, instead of the user's own."),
+        "FILE"};
     QCommandLineOption listPlugins{"list-plugins", QString("Name the layer plugins, then end.")};
     QCommandLineOption verbose{"verbose", QString("Log everything, the tile engine's lines too.")};
     QCommandLineOption version{{"v", "version"}, QString("Print the version, then end.")};
@@ -43,11 +61,12 @@ void declare(QCommandLineParser& parser, const ViewerOptionSet& set)
     parser.setApplicationDescription(QString(
         "Shows georeferenced imagery far larger than memory.\n\n"
         "Ends with 0 when done, 1 for wrong usage, 2 when a source could not be opened,\n"
-        "3 when the snapshot was not complete in time; the picture is written all the same."));
-    parser.addPositionalArgument("files", QString("Files, folders or addresses to open."),
-                                 "[files...]");
-    parser.addOptions({set.snapshot, set.size, set.extent, set.timeout, set.info, set.listPlugins,
-                       set.verbose, set.version, set.help});
+        "3 when the picture has gaps or was not complete in time; it is written all the same."));
+    parser.addPositionalArgument(
+        "files", QString("Files, folders, addresses or maps (.cmap) to open."), "[files...]");
+    parser.addOptions({set.snapshot, set.render, set.size, set.extent, set.timeout, set.info,
+                       set.json, set.listPlugins, set.newInstance, set.config, set.verbose,
+                       set.version, set.help});
 }
 
 } // namespace
@@ -85,30 +104,54 @@ bool CommandLine::parse(const QStringList& arguments)
         return true;
     }
 
-    if (parser.isSet(set.snapshot) + parser.isSet(set.info) + parser.isSet(set.listPlugins) > 1) {
-        return fail(QString("--snapshot, --info and --list-plugins exclude one another."));
+    if (!readMode(parser) ||
+        (parser.isSet(set.config) && !readConfigFile(parser.value(set.config)))) {
+        return false;
     }
-    if (parser.isSet(set.snapshot)) {
-        options.mode = ViewerOptions::Snapshot;
-    } else if (parser.isSet(set.info)) {
+    const bool snapshot = options.mode == ViewerOptions::Snapshot;
+    const bool info = options.mode == ViewerOptions::Info;
+    if (!snapshot && (parser.isSet(set.size) || parser.isSet(set.extent))) {
+        return fail(QString("--size and --extent go with --snapshot or --render."));
+    }
+    if (!info && parser.isSet(set.json)) {
+        return fail(QString("--json goes with --info."));
+    }
+    if (info && options.files.isEmpty()) {
+        return fail(QString("--info needs a file to tell of."));
+    }
+    options.json = parser.isSet(set.json);
+    options.newInstance = parser.isSet(set.newInstance);
+
+    return (!parser.isSet(set.size) || readSize(parser.value(set.size))) &&
+           (!parser.isSet(set.extent) || readExtent(parser.value(set.extent))) &&
+           (!parser.isSet(set.timeout) || readTimeout(parser.value(set.timeout)));
+}
+
+bool CommandLine::readMode(const QCommandLineParser& parser)
+{
+    const ViewerOptionSet set;
+    const bool render = parser.isSet(set.render);
+    if (parser.isSet(set.snapshot) + render + parser.isSet(set.info) +
+            parser.isSet(set.listPlugins) >
+        1)
+    {
+        return fail(
+            QString("--snapshot, --render, --info and --list-plugins exclude one another."));
+    }
+    if (parser.isSet(set.info)) {
         options.mode = ViewerOptions::Info;
     } else if (parser.isSet(set.listPlugins)) {
         options.mode = ViewerOptions::ListPlugins;
+    } else if (render || parser.isSet(set.snapshot)) {
+        options.mode = ViewerOptions::Snapshot;
+        options.listsGaps = render;
+        if (options.files.isEmpty()) {
+            return fail(QString("%1 needs a file to render.")
+                            .arg(render ? QString("--render") : QString("--snapshot")));
+        }
+        return readSnapshotFile(parser.value(render ? set.render : set.snapshot));
     }
-
-    const bool snapshot = options.mode == ViewerOptions::Snapshot;
-    if (!snapshot && (parser.isSet(set.size) || parser.isSet(set.extent))) {
-        return fail(QString("--size and --extent go with --snapshot."));
-    }
-    if ((snapshot || options.mode == ViewerOptions::Info) && options.files.isEmpty()) {
-        return fail(snapshot ? QString("--snapshot needs a file to render.")
-                             : QString("--info needs a file to tell of."));
-    }
-
-    return (!snapshot || readSnapshotFile(parser.value(set.snapshot))) &&
-           (!parser.isSet(set.size) || readSize(parser.value(set.size))) &&
-           (!parser.isSet(set.extent) || readExtent(parser.value(set.extent))) &&
-           (!parser.isSet(set.timeout) || readTimeout(parser.value(set.timeout)));
+    return true;
 }
 
 const ViewerOptions& CommandLine::getOptions() const
@@ -136,12 +179,21 @@ bool CommandLine::fail(const QString& reason)
 
 bool CommandLine::readSnapshotFile(const QString& text)
 {
-    if (!hasPictureSuffix(text)) {
-        return fail(
-            QString("cannot write %1: the name must end in .%2.")
-                .arg(text.isEmpty() ? QString("\"\"") : text, pictureSuffixes().join(", .")));
+    if (!hasPictureSuffix(text) && !PdfFile::hasPdfSuffix(text)) {
+        return fail(QString("cannot write %1: the name must end in .%2.")
+                        .arg(text.isEmpty() ? QString("\"\"") : text,
+                             (pictureSuffixes() << "pdf").join(", .")));
     }
     options.snapshotFile = text;
+    return true;
+}
+
+bool CommandLine::readConfigFile(const QString& text)
+{
+    if (text.isEmpty()) {
+        return fail(QString("--config needs the name of a file."));
+    }
+    options.configFile = QFileInfo(text).absoluteFilePath();
     return true;
 }
 

@@ -7,6 +7,8 @@
 #include <array>
 #include <chrono>
 
+class QCommandLineParser;
+
 namespace Corvane::Viewer {
 
 /// What the command line asks for.
@@ -25,6 +27,10 @@ struct ViewerOptions
     Mode mode = ShowWindow;
     QStringList files;
     QString snapshotFile;
+    bool listsGaps = false; ///< of the snapshot: what it lacks is named, and makes it incomplete
+    bool json = false;      ///< information as JSON, even on a terminal
+    bool newInstance = false;
+    QString configFile; ///< of the settings; empty for the user's own
     QSize size = {1280, 720};
     bool hasExtent = false;
     std::array<double, 4> extent = {}; ///< tlx, tly, brx, bry in map units
@@ -54,10 +60,12 @@ public:
 
 private:
     bool fail(const QString& reason);
+    bool readMode(const QCommandLineParser& parser);
     bool readSize(const QString& text);
     bool readExtent(const QString& text);
     bool readTimeout(const QString& text);
     bool readSnapshotFile(const QString& text);
+    bool readConfigFile(const QString& text);
 
     ViewerOptions options;
     QString error;

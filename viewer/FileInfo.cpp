@@ -1,20 +1,28 @@
 #include <viewer/FileInfo.h>
 
-#include <viewer/BatchOpener.h>
+#include <viewer/BriefEventLoop.h>
 #include <viewer/LayerOpener.h>
+#include <viewer/MapDocumentLoader.h>
+#include <viewer/MapDocumentReader.h>
 
 #include <corvane/map/Layer.h>
+#include <corvane/map/MapCanvas.h>
+#include <corvane/map/MapView.h>
 
+#include <QBrush>
+#include <QColor>
 #include <QDeadlineTimer>
 #include <QJsonArray>
-#include <QJsonDocument>
+#include <QMetaEnum>
 #include <QMetaProperty>
+#include <QPen>
 #include <QRectF>
 #include <QSequentialIterable>
 #include <QSize>
 #include <QUuid>
 #include <QVector>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Corvane::Viewer {
@@ -51,6 +59,20 @@ QJsonValue unsignedToJson(quint64 number)
 {
     const bool exact = number <= quint64(largestExactInteger);
     return exact ? QJsonValue(qint64(number)) : QJsonValue(QString::number(number));
+}
+
+QJsonObject penToJson(const QPen& pen)
+{
+    const auto styles = QMetaEnum::fromType<Qt::PenStyle>();
+    return {{"color", pen.color().name()},
+            {"style", styles.valueToKey(int(pen.style()))},
+            {"width", numberToJson(pen.widthF())}};
+}
+
+QJsonObject brushToJson(const QBrush& brush)
+{
+    const auto styles = QMetaEnum::fromType<Qt::BrushStyle>();
+    return {{"color", brush.color().name()}, {"style", styles.valueToKey(int(brush.style()))}};
 }
 
 QJsonArray listToJson(const QVariant& value)
@@ -92,6 +114,10 @@ QJsonValue toJson(const QVariant& value)
     case QMetaType::QRect:
     case QMetaType::QRectF:
         return boundsToJson(value.toRectF());
+    case QMetaType::QPen:
+        return penToJson(value.value<QPen>());
+    case QMetaType::QBrush:
+        return brushToJson(value.value<QBrush>());
     case QMetaType::QUuid:
         return value.toUuid().toString();
     case QMetaType::QString:
@@ -105,30 +131,111 @@ QJsonValue toJson(const QVariant& value)
     return value.canConvert<QString>() ? QJsonValue(value.toString()) : QJsonValue();
 }
 
+/// A map document has a view and a loader; all else, and XML that is no map after all, an opener.
+struct FileInfo::Source
+{
+    QString name;
+    std::unique_ptr<Map::MapView> view;
+    std::unique_ptr<MapDocumentLoader> loader;
+    std::unique_ptr<LayerOpener> opener;
+
+    void open()
+    {
+        opener = std::make_unique<LayerOpener>(name);
+        opener->start();
+    }
+    void load()
+    {
+        view = std::make_unique<Map::MapView>();
+        view->setAttribute(Qt::WA_DeleteOnClose, false);
+        loader = std::make_unique<MapDocumentLoader>(name, view.get());
+        QObject::connect(loader.get(), &MapDocumentLoader::foundOtherXml, loader.get(),
+                         [this] { open(); });
+        loader->start();
+    }
+    bool isFinished() const { return opener ? opener->isFinished() : loader->isFinished(); }
+    QJsonObject tell(bool* ok) const;
+    QJsonObject tellOfMap(bool* ok) const;
+};
+
+QJsonObject FileInfo::Source::tell(bool* ok) const
+{
+    QJsonObject file;
+    *ok = false;
+    if (!opener && loader->isLoaded() && loader->getReason().isEmpty()) {
+        file = tellOfMap(ok);
+    } else if (!isFinished()) {
+        file["error"] = "not open in time";
+    } else if (!opener) {
+        file["error"] = loader->getReason();
+    } else if (const auto layer = opener->takeLayer()) {
+        file = describe(*layer);
+        *ok = true;
+    } else {
+        file["error"] = opener->getReason();
+    }
+    file["file"] = opener ? opener->getSource() : name;
+    return file;
+}
+
+QJsonObject FileInfo::Source::tellOfMap(bool* ok) const
+{
+    *ok = loader->isFinished() && loader->getProblems().isEmpty();
+    QJsonArray layers;
+    for (Map::Layer* layer : view->getLayers()) {
+        QJsonObject object = describe(*layer);
+        if (!layer->isValid()) {
+            const QString reason = layer->getLastError();
+            object["error"] = reason.isEmpty() ? "not open in time" : reason;
+        }
+        layers.append(object);
+    }
+    Map::MapCanvas* const canvas = view->getMapCanvas();
+    QJsonObject map{{"description", canvas->getDescription()},
+                    {"comments", canvas->getComments()},
+                    {"layers", layers}};
+    const QRectF extent = loader->getExtent();
+    map["bounds"] = extent.isNull() ? QJsonValue() : QJsonValue(boundsToJson(extent));
+    if (!loader->getProblems().isEmpty()) {
+        map["problems"] = QJsonArray::fromStringList(loader->getProblems());
+    }
+    return map;
+}
+
 FileInfo::FileInfo(const ViewerOptions& newOptions) : options(newOptions) {}
 
 FileInfo::~FileInfo() = default;
 
-ExitCode FileInfo::run(QByteArray* json)
+ExitCode FileInfo::run(QJsonArray* files)
 {
-    opener = std::make_unique<BatchOpener>(options.files);
-    underWay = !opener->wait(QDeadlineTimer(options.timeout));
-
-    QJsonArray files;
-    bool allOpened = true;
-    for (const auto& source : opener->getOpeners()) {
-        QJsonObject file;
-        if (const auto layer = source->takeLayer()) {
-            file = describe(*layer);
+    for (const QString& name : options.files) {
+        sources.push_back(std::make_unique<Source>());
+        sources.back()->name = name;
+        if (mayBeMapDocument(name)) {
+            sources.back()->load();
         } else {
-            allOpened = false;
-            file["error"] = source->isFinished() ? source->getReason() : "not open in time";
+            sources.back()->open();
         }
-        file["file"] = source->getSource();
-        files.append(file);
     }
-    *json = QJsonDocument(files).toJson(QJsonDocument::Indented);
+    const QDeadlineTimer deadline(options.timeout);
+    while (!isFinished() && !deadline.hasExpired()) {
+        runEventLoopBriefly();
+    }
+    underWay = !isFinished();
+
+    bool allOpened = true;
+    for (const auto& source : sources) {
+        bool ok = false;
+        files->append(source->tell(&ok));
+        allOpened = allOpened && ok;
+    }
     return allOpened ? Done : SourceFailed;
+}
+
+bool FileInfo::isFinished() const
+{
+    return std::all_of(sources.begin(), sources.end(),
+                       [](const auto& source) { return source->isFinished(); });
 }
 
 bool FileInfo::isUnderWay() const

@@ -2,9 +2,11 @@
 
 #include <viewer/CommandLine.h>
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 #include <memory>
+#include <vector>
 
 namespace Corvane::Map {
 class Layer;
@@ -12,17 +14,15 @@ class Layer;
 
 namespace Corvane::Viewer {
 
-class BatchOpener;
-
-/// Tells what is known of files, as a JSON array with an object for each. GUI thread only.
+/// Tells what is known of files and maps, as a JSON array with an object for each. GUI thread only.
 class FileInfo
 {
 public:
     explicit FileInfo(const ViewerOptions& options);
     ~FileInfo();
 
-    /// Opens the files and fills *json with text in UTF-8.
-    ExitCode run(QByteArray* json);
+    /// Opens the files and fills *files, in their order.
+    ExitCode run(QJsonArray* files);
     /// Whether a source is still being opened; destroying the object would wait for it.
     bool isUnderWay() const;
 
@@ -30,8 +30,12 @@ public:
     static QJsonObject describe(Map::Layer& layer);
 
 private:
+    struct Source;
+
+    bool isFinished() const;
+
     const ViewerOptions options;
-    std::unique_ptr<BatchOpener> opener;
+    std::vector<std::unique_ptr<Source>> sources;
     bool underWay = false;
 };
 

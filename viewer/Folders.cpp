@@ -1,6 +1,9 @@
 #include <viewer/Folders.h>
 
+#include <viewer/Languages.h>
+
 #include <corvane/core/Application.h>
+#include <corvane/core/Config.h>
 
 #include <QDir>
 #include <QFileInfo>
@@ -21,6 +24,18 @@ QString lastFolder()
 void keepFolderOf(const QString& fileName)
 {
     Application::instance()->getSettings()->setValue(folderKey, QFileInfo(fileName).absolutePath());
+}
+
+QString configFile(const QString& name)
+{
+    // there may be one for a language that the program does not speak otherwise
+    const QDir ofDesktop = Config::GetDirectory(ConfigDirConfig);
+    if (chosenLanguage().isEmpty() && ofDesktop.exists(name)) {
+        return ofDesktop.filePath(name);
+    }
+    const QString all = ofDesktop.filePath("../");
+    const QString spoken = QDir::cleanPath(all + spokenLanguage().folder + '/' + name);
+    return QFileInfo::exists(spoken) ? spoken : QDir::cleanPath(all + "english/" + name);
 }
 
 } // namespace Corvane::Viewer

@@ -4,15 +4,19 @@
 #include <corvane/core/PluginManager.h>
 #include <corvane/map/Layer.h>
 
+#include <QDir>
 #include <QFileInfo>
 #include <QMetaObject>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace Corvane::Viewer {
 namespace {
 
 // A layer that opens off the GUI thread announces it with this signal.
 const char* const openedSignature = "sourceOpened(bool)";
+const char* const imageServerClass = "Corvane::Map::ImageServerLayer";
 
 QString suffixOf(const QString& source)
 {
@@ -20,10 +24,26 @@ QString suffixOf(const QString& source)
     return QFileInfo(url.isRelative() ? source : url.path()).suffix();
 }
 
+/// Whether nothing but an image of an image server can be meant.
+bool isStreamed(const QString& source)
+{
+    return source.startsWith("zwtp://", Qt::CaseInsensitive) ||
+           source.startsWith("zwtps://", Qt::CaseInsensitive);
+}
+
+bool isWebAddress(const QString& source)
+{
+    return isStreamed(source) || source.startsWith("http://", Qt::CaseInsensitive) ||
+           source.startsWith("https://", Qt::CaseInsensitive);
+}
+
 /// The class that claims the suffix first, then every enabled plugin's in list order.
 QStringList candidatesFor(const QString& source)
 {
     QStringList names;
+    if (isStreamed(source)) {
+        return {imageServerClass}; // the source may end in a password, which is no other's business
+    }
     const QString suffix = suffixOf(source);
     // every filter contains the empty suffix
     if (!suffix.isEmpty()) {
@@ -58,7 +78,7 @@ void LayerOpener::start()
 
 QString LayerOpener::getSource() const
 {
-    return source;
+    return withoutCredentials(source);
 }
 
 bool LayerOpener::isFinished() const
@@ -76,8 +96,22 @@ std::unique_ptr<Map::Layer> LayerOpener::takeLayer()
     return done ? std::move(layer) : nullptr;
 }
 
-QString LayerOpener::nameOf(const QString& source)
+bool LayerOpener::opensImagesOfServers()
 {
+    const auto plugins = PluginManager::getLayerPluginInfoList();
+    return std::any_of(plugins.begin(), plugins.end(), [](ILayerPluginInfo* plugin) {
+        return plugin->isEnabled() && plugin->getClassName() == imageServerClass;
+    });
+}
+
+QString LayerOpener::withoutCredentials(const QString& source)
+{
+    return isWebAddress(source) ? source.section('|', 0, 0) : source;
+}
+
+QString LayerOpener::nameOf(const QString& fullSource)
+{
+    const QString source = withoutCredentials(fullSource);
     const QUrl url(source);
     const QString path = url.isRelative() || url.isLocalFile() ? source : url.path();
     const QString name = QFileInfo(path.endsWith('/') ? path.chopped(1) : path).fileName();
@@ -100,8 +134,10 @@ void LayerOpener::tryNext()
         passOver();
         return;
     }
-    const QFileInfo file(source);
-    const bool accepted = layer->setDataSource(file.exists() ? file.absoluteFilePath() : source);
+    // the disk of an absolute path may not answer, and need not be asked
+    const bool relativeFile = !QDir::isAbsolutePath(source) && QFileInfo::exists(source);
+    const bool accepted =
+        layer->setDataSource(relativeFile ? QFileInfo(source).absoluteFilePath() : source);
     if (accepted && layer->isValid()) {
         finish();
         return;

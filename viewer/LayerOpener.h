@@ -25,6 +25,7 @@ public:
     /// finished comes later, from the event loop.
     void start();
 
+    /// Without credentials.
     QString getSource() const;
     bool isFinished() const;
     /// Why no plugin opened the source; empty while it is open or opening.
@@ -32,6 +33,11 @@ public:
     /// The layer, valid, once; null where the source could not be opened.
     std::unique_ptr<Map::Layer> takeLayer();
 
+    /// Whether the plugin is there that opens images of image servers.
+    static bool opensImagesOfServers();
+    /// A source as it may be shown and stored: an address of an image server may end in
+    /// "|user|password".
+    static QString withoutCredentials(const QString& source);
     /// A short name of a source for titles: the file name, or the last part of an address.
     static QString nameOf(const QString& source);
 

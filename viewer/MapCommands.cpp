@@ -9,7 +9,6 @@
 
 #include <QAction>
 #include <QActionGroup>
-#include <QIcon>
 #include <QKeySequence>
 
 namespace Corvane::Viewer {
@@ -22,17 +21,17 @@ MapCommands::MapCommands(QWidget* owner) : QObject(owner), modes(new QActionGrou
     setMapWindow(nullptr);
 }
 
-QAction* MapCommands::addAction(const QString& name, const QString& text, const QString& icon)
+/// The program's XML files give it a text, a picture and a key.
+QAction* MapCommands::addAction(const QString& name)
 {
-    const auto action = new QAction(QIcon(":/resources/icons/24x24/" + icon), text, parent());
+    const auto action = new QAction(parent());
     action->setObjectName(name);
     return action;
 }
 
-void MapCommands::addMode(Map::IClient::PointerMode mode, const QString& name, const QString& text,
-                          const QString& icon)
+void MapCommands::addMode(Map::IClient::PointerMode mode, const QString& name)
 {
-    QAction* action = modes->addAction(addAction(name, text, icon));
+    QAction* action = modes->addAction(addAction(name));
     action->setCheckable(true);
     action->setData(int(mode));
     connect(action, &QAction::triggered, this, [this, mode] {
@@ -44,16 +43,15 @@ void MapCommands::addMode(Map::IClient::PointerMode mode, const QString& name, c
 
 void MapCommands::createModes()
 {
-    addMode(Map::IClient::Roam, "actionRoam", tr("&Roam"), "hand_point.png");
-    addMode(Map::IClient::Zoom, "actionZoom", tr("&Zoom"), "zoom.png");
-    addMode(Map::IClient::ZoomBox, "actionZoomBox", tr("Zoom &Box"), "zoom_box.png");
-    addMode(Map::IClient::Point, "actionPoint", tr("&Point"), "select.png");
+    addMode(Map::IClient::Roam, "actionRoam");
+    addMode(Map::IClient::Zoom, "actionZoom");
+    addMode(Map::IClient::ZoomBox, "actionZoomBox");
+    addMode(Map::IClient::Point, "actionPoint");
 }
 
-void MapCommands::addZoom(Map::MapView::MapControl control, const QString& name,
-                          const QString& text, const QString& icon)
+void MapCommands::addZoom(Map::MapView::MapControl control, const QString& name)
 {
-    QAction* action = addAction(name, text, icon);
+    QAction* action = addAction(name);
     zooms << action;
     connect(action, &QAction::triggered, this, [this, control] {
         if (Map::MapView* view = getView()) {
@@ -64,45 +62,42 @@ void MapCommands::addZoom(Map::MapView::MapControl control, const QString& name,
 
 void MapCommands::createZooms()
 {
-    addZoom(Map::MapView::MapZoomIn, "actionZoomIn", tr("Zoom &In"), "navigate_plus.png");
+    addZoom(Map::MapView::MapZoomIn, "actionZoomIn");
+    // two keys each, which a file cannot tell; plus is on Shift of some keyboards
     zooms.last()->setShortcuts({QKeySequence("Ctrl++"), QKeySequence("Ctrl+=")});
-    addZoom(Map::MapView::MapZoomOut, "actionZoomOut", tr("Zoom &Out"), "navigate_minus.png");
-    zooms.last()->setShortcut(QKeySequence("Ctrl+-"));
-    addZoom(Map::MapView::MapZoomToAll, "actionZoomToAll", tr("Zoom to &All"), "fit_to_size.png");
-    zooms.last()->setShortcut(QKeySequence("Ctrl+0"));
+    addZoom(Map::MapView::MapZoomOut, "actionZoomOut");
+    addZoom(Map::MapView::MapZoomToAll, "actionZoomToAll");
+    zooms.last()->setShortcuts({QKeySequence("Ctrl+Shift+F"), QKeySequence("Ctrl+0")});
 
-    zooms << addAction("actionZoomOneToOne", tr("Zoom &1:1"), "zoom_1_to_1.png");
-    zooms.last()->setShortcut(QKeySequence("Ctrl+1"));
+    zooms << addAction("actionZoomOneToOne");
     connect(zooms.last(), &QAction::triggered, this, &MapCommands::zoomOneToOne);
 }
 
 void MapCommands::createOthers()
 {
-    fullScreen = addAction("actionFullScreenMap", tr("&Full Screen Map"), "monitor.png");
+    fullScreen = addAction("actionFullScreenMap");
     fullScreen->setCheckable(true);
-    fullScreen->setShortcut(QKeySequence(Qt::Key_F11));
     connect(fullScreen, &QAction::triggered, this, &MapCommands::setFullScreen);
 
-    snapshot = addAction("actionSnapshot", tr("&Save Picture..."), "camera2.png");
-    snapshot->setShortcut(QKeySequence(Qt::Key_F9));
+    snapshot = addAction("actionSnapshot");
     connect(snapshot, &QAction::triggered, this, &MapCommands::savePicture);
 }
 
 void MapCommands::setMapWindow(MapWindow* newWindow)
 {
+    if (window) {
+        disconnect(window, nullptr, fullScreen, nullptr);
+    }
     window = newWindow;
+    if (window) {
+        connect(window, &MapWindow::mapFullScreenChanged, fullScreen, &QAction::setChecked);
+    }
     const bool enabled = getView() != nullptr;
     modes->setEnabled(enabled);
     for (QAction* action : zooms + QList<QAction*>{fullScreen, snapshot}) {
         action->setEnabled(enabled);
     }
     showMode();
-}
-
-void MapCommands::addTo(Map::MapView* view)
-{
-    view->addActions(zooms);
-    view->addActions({fullScreen, snapshot});
 }
 
 QList<QAction*> MapCommands::getModeActions() const

@@ -26,8 +26,6 @@ public:
 
     /// The window to work on; null for none.
     void setMapWindow(MapWindow* newWindow);
-    /// Makes the shortcuts work in a view that fills the screen, too.
-    void addTo(Map::MapView* view);
 
     QList<QAction*> getModeActions() const;
     QList<QAction*> getZoomActions() const;
@@ -35,11 +33,9 @@ public:
     QAction* getSnapshotAction() const;
 
 private:
-    QAction* addAction(const QString& name, const QString& text, const QString& icon);
-    void addMode(Map::IClient::PointerMode mode, const QString& name, const QString& text,
-                 const QString& icon);
-    void addZoom(Map::MapView::MapControl control, const QString& name, const QString& text,
-                 const QString& icon);
+    QAction* addAction(const QString& name);
+    void addMode(Map::IClient::PointerMode mode, const QString& name);
+    void addZoom(Map::MapView::MapControl control, const QString& name);
     void createModes();
     void createZooms();
     void createOthers();

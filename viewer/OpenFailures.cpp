@@ -17,15 +17,18 @@ OpenFailures::OpenFailures(QWidget* parent) : QObject(parent), window(parent) {}
 void OpenFailures::add(const QString& source, const QString& reason)
 {
     lines << QString("%1: %2").arg(source, reason);
-    if (box) {
-        showBox();
-    } else if (lines.size() == 1) {
+    if (!isGathering) {
+        isGathering = true;
         QTimer::singleShot(gatheringMilliseconds, this, &OpenFailures::showBox);
     }
 }
 
 void OpenFailures::showBox()
 {
+    isGathering = false;
+    if (lines.isEmpty()) {
+        return; // the box that showed them was closed meanwhile
+    }
     if (!box) {
         box = new QMessageBox(QMessageBox::Warning, tr("Open"), QString(), QMessageBox::Ok, window);
         box->setObjectName("openFailures");

@@ -25,6 +25,7 @@ private:
     QWidget* window; // not owned
     QStringList lines;
     QPointer<QMessageBox> box;
+    bool isGathering = false;
 };
 
 } // namespace Corvane::Viewer

@@ -18,16 +18,12 @@
 namespace Corvane::Viewer::PictureSaver {
 namespace {
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("PictureSaver", text);
-}
-
 void showFailure(const QString& fileName, const QString& reason, QWidget* parent)
 {
-    const auto box =
-        new QMessageBox(QMessageBox::Warning, tr("Save Picture"),
-                        tr("cannot write %1: %2").arg(fileName, reason), QMessageBox::Ok, parent);
+    const auto box = new QMessageBox(
+        QMessageBox::Warning, QCoreApplication::translate("PictureSaver", "Save Picture"),
+        QCoreApplication::translate("PictureSaver", "cannot write %1: %2").arg(fileName, reason),
+        QMessageBox::Ok, parent);
     box->setObjectName("saveFailure");
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
@@ -52,11 +48,14 @@ void saveOnAnotherThread(const QImage& picture, const QString& fileName, QWidget
 
 void askAndSave(const QImage& picture, const QString& name, QWidget* parent)
 {
-    const auto dialog = new QFileDialog(parent, tr("Save Picture"), lastFolder());
+    const auto dialog = new QFileDialog(
+        parent, QCoreApplication::translate("PictureSaver", "Save Picture"), lastFolder());
     dialog->setObjectName("pictureDialog");
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setNameFilters({tr("PNG picture (*.png)"), tr("JPEG picture (*.jpg *.jpeg)")});
+    dialog->setNameFilters(
+        {QCoreApplication::translate("PictureSaver", "PNG picture (*.png)"),
+         QCoreApplication::translate("PictureSaver", "JPEG picture (*.jpg *.jpeg)")});
     dialog->setDefaultSuffix("png");
     dialog->selectFile(QFileInfo(name).completeBaseName() + ".png");
     QObject::connect(dialog, &QFileDialog::filterSelected, dialog, [dialog](const QString& filter) {
@@ -69,7 +68,8 @@ void askAndSave(const QImage& picture, const QString& name, QWidget* parent)
                 saveOnAnotherThread(picture, fileName, parent);
             } else {
                 showFailure(fileName,
-                            tr("the name must end in .%1").arg(pictureSuffixes().join(", .")),
+                            QCoreApplication::translate("PictureSaver", "the name must end in .%1")
+                                .arg(pictureSuffixes().join(", .")),
                             parent);
             }
         });

@@ -1,14 +1,21 @@
 #include <viewer/SnapshotRenderer.h>
 
-#include <viewer/BatchOpener.h>
+#include <viewer/BatchLayers.h>
+#include <viewer/BriefEventLoop.h>
 #include <viewer/ConsoleLog.h>
-#include <viewer/LayerOpener.h>
+#include <viewer/Gaps.h>
 #include <viewer/MapPicture.h>
+#include <viewer/MapPrinting.h>
+#include <viewer/PdfFile.h>
 
 #include <corvane/map/Layer.h>
 #include <corvane/map/MapView.h>
 
 #include <QDeadlineTimer>
+#include <QFileInfo>
+#include <QMarginsF>
+#include <QPageLayout>
+#include <QPageSize>
 
 #include <algorithm>
 
@@ -27,12 +34,16 @@ ExitCode SnapshotRenderer::run()
     }
 
     makeView();
-    opener = std::make_unique<BatchOpener>(options.files);
+    layers = std::make_unique<BatchLayers>(options.files, view.get());
     QImage picture;
     const bool complete = render(deadline, &picture);
     underWay = !complete;
-    const bool allOpened = reportUnopened();
-    if (opener->isFinished() && view->getNumberOfLayers() == 0) {
+    const bool allOpened = layers->report();
+    const auto& stack = view->getLayers();
+    if (!allOpened && layers->isFinished() &&
+        std::none_of(stack.begin(), stack.end(),
+                     [](Map::Layer* layer) { return layer->isValid(); }))
+    {
         return SourceFailed;
     }
     if (!complete) {
@@ -41,13 +52,40 @@ ExitCode SnapshotRenderer::run()
     if (picture.isNull()) {
         return failToWrite("no memory for a picture of this size");
     }
-    if (!writePicture(picture, options.snapshotFile, &error)) {
+    const bool pdf = PdfFile::hasPdfSuffix(options.snapshotFile);
+    const bool written =
+        pdf ? writePdf(complete, &error) : writePicture(picture, options.snapshotFile, &error);
+    if (!written) {
         return failToWrite(error);
     }
-    if (!allOpened) {
+    for (const QString& gap : qAsConst(gaps)) {
+        printError(QString("gap: %1").arg(gap));
+    }
+    if (!allOpened && !options.listsGaps) {
         return SourceFailed;
     }
-    return complete ? Done : NotComplete;
+    return complete && allOpened && gaps.isEmpty() ? Done : NotComplete;
+}
+
+/// A page of a point for each pixel of the view.
+bool SnapshotRenderer::writePdf(bool complete, QString* error)
+{
+    constexpr int pointsPerInch = 72;
+    PdfFile file(options.snapshotFile, QFileInfo(options.files.first()).fileName());
+    QPrinter& printer = file.getPrinter();
+    printer.setResolution(pointsPerInch);
+    printer.setPageSize(
+        QPageSize(QSizeF(options.size), QPageSize::Point, QString(), QPageSize::ExactMatch));
+    printer.setPageMargins(QMarginsF(), QPageLayout::Point);
+    MapPrinting printing(*view);
+    if (!complete) {
+        printing.hurry();
+    }
+    printing.print(printer, nullptr);
+    if (options.listsGaps) {
+        gaps = gapsOf(*view); // the page has a view of its own
+    }
+    return file.commit(error);
 }
 
 bool SnapshotRenderer::isUnderWay() const
@@ -65,45 +103,12 @@ void SnapshotRenderer::makeView()
     view->show();
 }
 
-/// Adds what has become open since the last call, in the order of the files; what is open loads
-/// while the rest is still being opened.
-void SnapshotRenderer::addOpenedLayers()
-{
-    int index = 0;
-    bool added = false;
-    for (const auto& source : opener->getOpeners()) {
-        if (auto layer = source->takeLayer()) {
-            view->addLayer(layer.release(), index);
-            added = true;
-        }
-        if (source->isFinished() && source->getReason().isEmpty()) {
-            ++index;
-        }
-    }
-    if (added) {
-        showExtent();
-    }
-}
-
-/// Names what is not open, with the reason; false where a source was refused.
-bool SnapshotRenderer::reportUnopened() const
-{
-    bool allOpened = true;
-    for (const auto& source : opener->getOpeners()) {
-        if (!source->isFinished()) {
-            printError(QString("not open in time: %1").arg(source->getSource()));
-        } else if (!source->getReason().isEmpty()) {
-            printError(QString("cannot open %1: %2").arg(source->getSource(), source->getReason()));
-            allOpened = false;
-        }
-    }
-    return allOpened;
-}
-
 void SnapshotRenderer::showExtent()
 {
     if (options.hasExtent) {
         view->setBounds(options.extent[0], options.extent[1], options.extent[2], options.extent[3]);
+    } else if (!layers->getExtent().isNull()) {
+        view->setBounds(layers->getExtent());
     } else {
         view->zoomToAllLayers(false);
     }
@@ -111,10 +116,11 @@ void SnapshotRenderer::showExtent()
 
 bool SnapshotRenderer::isComplete() const
 {
-    const auto& layers = view->getLayers();
-    return opener->isFinished() && std::all_of(layers.begin(), layers.end(), [](Map::Layer* layer) {
-               return !layer->isVisible() ||
-                      (layer->isValid() && layer->getPercentComplete() >= 100);
+    // once all is finished, a layer that is not valid has failed and is reported
+    const auto& stack = view->getLayers();
+    return layers->isFinished() && std::all_of(stack.begin(), stack.end(), [](Map::Layer* layer) {
+               return !layer->isVisible() || !layer->isValid() ||
+                      layer->getPercentComplete() >= 100;
            });
 }
 
@@ -123,9 +129,14 @@ bool SnapshotRenderer::isComplete() const
 bool SnapshotRenderer::render(const QDeadlineTimer& deadline, QImage* picture)
 {
     while (true) {
-        addOpenedLayers();
+        if (layers->addOpened()) {
+            showExtent();
+        }
         if (isComplete() || deadline.hasExpired()) {
             *picture = paintMapPicture(*view, 1.0);
+            if (options.listsGaps) {
+                gaps = gapsOf(*view);
+            }
             if (isComplete()) {
                 return true;
             }

@@ -10,6 +10,10 @@
 #include <initializer_list>
 #include <string_view>
 
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
 namespace Corvane::Viewer {
 namespace {
 
@@ -34,14 +38,31 @@ bool asksForNoWindow(int argc, const char* const* argv)
         if (word == "--") {
             return false;
         }
-        if (isOneOf(word, {"--snapshot", "--info", "--list-plugins", "--version", "-v", "--help",
-                           "-h"}) ||
-            word.substr(0, 11) == "--snapshot=")
+        if (isOneOf(word, {"--snapshot", "--render", "--info", "--list-plugins", "--version", "-v",
+                           "--help", "-h"}) ||
+            word.substr(0, 11) == "--snapshot=" || word.substr(0, 9) == "--render=")
         {
             return true;
         }
     }
     return false;
+}
+
+QString configFileOf(int argc, const char* const* argv)
+{
+    constexpr std::string_view option = "--config";
+    QString file;
+    for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
+        const std::string_view word = argv[i];
+        if (word == option && i + 1 < argc) {
+            file = QString::fromLocal8Bit(argv[++i]);
+        } else if (word.substr(0, option.size()) == option && word.size() > option.size() &&
+                   word[option.size()] == '=')
+        {
+            file = QString::fromLocal8Bit(argv[i] + option.size() + 1);
+        }
+    }
+    return file;
 }
 
 bool hasDisplay(int argc, const char* const* argv)
@@ -68,10 +89,19 @@ bool hasDisplay(int argc, const char* const* argv)
 #endif
 }
 
+bool writesToTerminal()
+{
+#ifdef Q_OS_UNIX
+    return ::isatty(STDOUT_FILENO) == 1;
+#else
+    return false;
+#endif
+}
+
 void setUpLogging(bool verbose)
 {
     if (!verbose && !qEnvironmentVariableIsSet("QT_LOGGING_RULES")) {
-        QLoggingCategory::setFilterRules("corvane.tiles.debug=false");
+        QLoggingCategory::setFilterRules("corvane.tiles.debug=false\ndefault.debug=false");
     }
 }
 

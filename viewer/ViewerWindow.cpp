@@ -1,10 +1,40 @@
 #include <viewer/ViewerWindow.h>
 
+#include <viewer/CellTools.h>
+#include <viewer/CommandPlaces.h>
+#include <viewer/Commands.h>
+#include <viewer/CompareTools.h>
+#include <viewer/FileOpening.h>
+#include <viewer/EditCommands.h>
 #include <viewer/Folders.h>
+#include <viewer/GoToCommand.h>
+#include <viewer/KeyboardCursor.h>
+#include <viewer/FullScreen.h>
+#include <viewer/HelpCommands.h>
+#include <viewer/LayerOpener.h>
+#include <viewer/MapAnnouncer.h>
+#include <viewer/LogBook.h>
+#include <viewer/LogPanel.h>
 #include <viewer/MapCommands.h>
+#include <viewer/MapDocument.h>
+#include <viewer/MapDocumentReader.h>
+#include <viewer/MapSaving.h>
 #include <viewer/MapWindow.h>
+#include <viewer/MeasureCommand.h>
 #include <viewer/OpenFailures.h>
+#include <viewer/OverviewCommands.h>
+#include <viewer/Panels.h>
+#include <viewer/Preferences.h>
+#include <viewer/PrintCommands.h>
+#include <viewer/RecentFiles.h>
+#include <viewer/Reloading.h>
+#include <viewer/ServerBrowsing.h>
+#include <viewer/SourceCommands.h>
+#include <viewer/Sources.h>
+#include <viewer/TaskBar.h>
+#include <viewer/Tasks.h>
 #include <viewer/ViewerStatusBar.h>
+#include <viewer/WindowCommands.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/core/PluginManager.h>
@@ -14,13 +44,14 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QToolBar>
 #include <QUrl>
@@ -28,35 +59,34 @@
 namespace Corvane::Viewer {
 namespace {
 
-const char* const geometryKey = "Viewer/geometry";
-const char* const stateKey = "Viewer/state";
+const char* const geometryKey = "Gui/MainWindow/geometry";
 constexpr QSize firstSize(1280, 800);
-constexpr QSize toolIconSize(24, 24);
 
-QIcon icon(const QString& name)
+QStringList layerFilters()
 {
-    return QIcon(":/resources/icons/24x24/" + name);
+    return PluginManager::getFileChooserReadFilter().split(";;");
 }
 
-QStringList sourcesOf(const QMimeData* data)
+/// The same with maps, in the first filter as well, which names every pattern.
+QStringList layerAndMapFilters()
 {
-    QStringList sources;
-    for (const QUrl& url : data->urls()) {
-        sources << (url.isLocalFile() ? url.toLocalFile() : url.toString());
-    }
-    return sources;
+    QStringList filters = layerFilters();
+    filters.first().replace(QRegularExpression("\\)$"), " *.cmap)");
+    return filters << ViewerWindow::tr("Corvane map (*.cmap)");
 }
 
 } // namespace
 
 ViewerWindow::ViewerWindow(QWidget* parent)
-    : QMainWindow(parent),
+    : MainWindow(parent),
       area(new QMdiArea(this)),
       commands(new MapCommands(this)),
       failures(new OpenFailures(this)),
+      saving(new MapSaving(this)),
+      recent(new RecentFiles(this)),
+      browsing(new ServerBrowsing(this)),
       status(new ViewerStatusBar(this))
 {
-    setObjectName("viewerWindow");
     setWindowTitle(QCoreApplication::applicationName());
     setWindowIcon(QIcon(":/resources/corvane.png"));
     setAcceptDrops(true);
@@ -64,31 +94,60 @@ ViewerWindow::ViewerWindow(QWidget* parent)
     area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(area);
     setStatusBar(status);
-    createMenus();
-    createToolBar();
+    panels = new Panels(this, area);
+    createCommands();
+    createFeatures();
+    placeCommands();
+    preferences->takeKeys();
     connect(area, &QMdiArea::subWindowActivated, this, &ViewerWindow::onSubWindowActivated);
+    connect(recent, &RecentFiles::chosen, this, [this](const QString& source) { open({source}); });
+    connect(saving, &MapSaving::saved, recent, &RecentFiles::add);
+    connect(browsing, &ServerBrowsing::chosen, this,
+            [this](const QString& source) { addFiles({source}, getActiveMapWindow()); });
     onSubWindowActivated(nullptr);
     restoreLayout();
 }
 
+// The maps go first, with the layers of the plugins, and the panels then: the plugins end there.
 ViewerWindow::~ViewerWindow()
 {
     disconnect(area, nullptr, this, nullptr); // the area tells of every window that goes with it
+    panels->setMapWindow(nullptr);            // they would look at the map while it goes
+    delete area;
+    delete panels;
+    qDeleteAll(menus);
+}
+
+void ViewerWindow::open(const QStringList& sources)
+{
+    opening->open(sources, FileOpening::usualPlace());
 }
 
 void ViewerWindow::openFiles(const QStringList& sources)
 {
     const bool together = sources.size() > 1 && area->subWindowList().isEmpty();
     for (const QString& source : sources) {
-        addMapWindow()->open(source);
+        if (!mayBeMapDocument(source)) {
+            addMapWindow()->open(source);
+        } else if (MapWindow* window = windowOf(source)) {
+            area->setActiveSubWindow(window);
+        } else {
+            addMapWindow()->openDocument(source);
+        }
     }
     if (together) {
         area->tileSubWindows(); // before they are open, so that each map fits its place
     }
 }
 
-void ViewerWindow::addFiles(const QStringList& sources, MapWindow* window)
+void ViewerWindow::addFiles(const QStringList& files, MapWindow* window)
 {
+    QStringList sources;
+    QStringList documents;
+    for (const QString& file : files) {
+        (mayBeMapDocument(file) ? documents : sources) << file;
+    }
+    openFiles(documents);
     if (sources.isEmpty()) {
         return;
     }
@@ -110,13 +169,33 @@ MapWindow* ViewerWindow::getActiveMapWindow() const
     return qobject_cast<MapWindow*>(area->currentSubWindow());
 }
 
+QList<MapWindow*> ViewerWindow::getMapWindows() const
+{
+    QList<MapWindow*> windows;
+    for (QMdiSubWindow* subWindow : area->subWindowList()) {
+        if (const auto window = qobject_cast<MapWindow*>(subWindow)) {
+            windows << window;
+        }
+    }
+    return windows;
+}
+
+Panels* ViewerWindow::getPanels() const
+{
+    return panels;
+}
+
 MapWindow* ViewerWindow::addMapWindow()
 {
     const bool first = area->subWindowList().isEmpty();
     const auto window = new MapWindow;
     area->addSubWindow(window);
-    commands->addTo(window->getView());
     connect(window, &MapWindow::openFailed, failures, &OpenFailures::add);
+    connect(window, &MapWindow::opened, recent, &RecentFiles::add);
+    connect(window, &MapWindow::refused, recent, &RecentFiles::offerToRemove);
+    window->setCloseGuard(
+        [this, window] { return saving->mayClose(window, [window] { window->close(); }); });
+    emit mapWindowAdded(window);
     if (first) {
         window->showMaximized();
     } else {
@@ -125,61 +204,103 @@ MapWindow* ViewerWindow::addMapWindow()
     return window;
 }
 
+/// The window that this document is open in, or null.
+MapWindow* ViewerWindow::windowOf(const QString& document) const
+{
+    const QString wanted = QFileInfo(document).absoluteFilePath();
+    for (QMdiSubWindow* subWindow : area->subWindowList()) {
+        const auto window = qobject_cast<MapWindow*>(subWindow);
+        if (window && window->getDocument()->getFileName() == wanted) {
+            return window;
+        }
+    }
+    return nullptr;
+}
+
 void ViewerWindow::onSubWindowActivated(QMdiSubWindow* window)
 {
     // Null also comes while another program is in front: the current window stays the one to tell of.
     const auto mapWindow = qobject_cast<MapWindow*>(window ? window : area->currentSubWindow());
     commands->setMapWindow(mapWindow);
+    saving->setMapWindow(mapWindow);
     status->setMapWindow(mapWindow);
+    panels->setMapWindow(mapWindow);
     addLayerAction->setEnabled(mapWindow != nullptr);
-    closeAction->setEnabled(mapWindow != nullptr);
+    emit activeMapChanged(mapWindow);
 }
 
-void ViewerWindow::createMenus()
+void ViewerWindow::createCommands()
 {
-    createFileMenu();
-    createViewMenu();
-    createWindowMenu();
-    createHelpMenu();
-}
-
-void ViewerWindow::createFileMenu()
-{
-    QMenu* menu = menuBar()->addMenu(tr("&File"));
-    openAction = menu->addAction(icon("document_view.png"), tr("&Open..."));
-    openAction->setObjectName("actionOpen");
-    openAction->setShortcut(QKeySequence("Ctrl+O"));
-    connect(openAction, &QAction::triggered, this, [this] {
-        chooseFiles(QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier));
+    addCommand(this, "actionOpen", [this] {
+        const bool other = QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
+        chooseFiles((FileOpening::usualPlace() == FileOpening::ActiveMap) != other);
     });
+    addLayerAction = addCommand(this, "actionAddLayer", [this] { chooseFiles(true); });
+    if (LayerOpener::opensImagesOfServers()) {
+        QAction* add = addCommand(this, "actionAddFromServer", [this] { browsing->browse(); });
+        add->setIcon(QIcon(":/resources/server_add.png"));
+    }
+    addCommand(this, "actionQuit", [this] { close(); });
+}
 
-    addLayerAction = menu->addAction(icon("document_add.png"), tr("&Add Layer..."));
-    addLayerAction->setObjectName("actionAddLayer");
-    addLayerAction->setShortcut(QKeySequence("Ctrl+Shift+O"));
-    addLayerAction->setToolTip(tr("Add files to the current map"));
-    connect(addLayerAction, &QAction::triggered, this, [this] { chooseFiles(true); });
+/// Each makes its own commands and follows the active map; the window owns them.
+void ViewerWindow::createFeatures()
+{
+    opening = new FileOpening(this);
+    new Reloading(this);
+    windowCommands = new WindowCommands(this);
+    new FullScreen(this);
+    new EditCommands(this);
+    new HelpCommands(this);
+    panels->addPanel("logDock", tr("Log"), new LogPanel(LogBook::instance()),
+                     Qt::BottomDockWidgetArea);
+    const auto printing = new PrintCommands(this);
+    connect(this, &ViewerWindow::activeMapChanged, printing, &PrintCommands::setMapWindow);
+    preferences = new Preferences(this);
+    const auto keyboardCursor = new KeyboardCursor(this);
+    connect(this, &ViewerWindow::activeMapChanged, keyboardCursor, &KeyboardCursor::setMapWindow);
+    const auto announcer = new MapAnnouncer(keyboardCursor, this);
+    connect(this, &ViewerWindow::activeMapChanged, announcer, &MapAnnouncer::setMapWindow);
+    new GoToCommand(this);
+    new MeasureCommand(this);
+    new CellTools(this);
+    new SourceCommands(this);
+    auto* const tasks = new Tasks(this);
+    status->addPermanentWidget(new TaskBar(tasks, status));
+    new OverviewCommands(this, tasks);
+    new CompareTools(this);
+}
 
-    addPluginActions(menu);
-    menu->addSeparator();
-    menu->addAction(commands->getSnapshotAction());
-    menu->addSeparator();
-    closeAction = menu->addAction(tr("&Close"));
-    closeAction->setObjectName("actionClose");
-    closeAction->setShortcut(QKeySequence("Ctrl+W"));
-    connect(closeAction, &QAction::triggered, area, &QMdiArea::closeActiveSubWindow);
-
-    QAction* quit = menu->addAction(tr("&Quit"));
-    quit->setObjectName("actionQuit");
-    quit->setShortcut(QKeySequence("Ctrl+Q"));
-    connect(quit, &QAction::triggered, this, &QWidget::close);
+void ViewerWindow::placeCommands()
+{
+    CommandPlaces places(this);
+    places.offer("recentFiles", {recent->getMenu()->menuAction()});
+    places.offer("pluginLayers", createPluginActions());
+    places.offer("panels", panels->getToggleActions());
+    if (!LayerOpener::opensImagesOfServers()) {
+        places.offer("actionAddFromServer", {}); // there is no such command: its place stays empty
+    }
+    places.readActions(configFile("actions.xml"));
+    places.buildToolBars(configFile("toolbars.xml"));
+    QList<QAction*> bars;
+    for (const QToolBar* bar : findChildren<QToolBar*>(QString(), Qt::FindDirectChildrenOnly)) {
+        bars << bar->toggleViewAction();
+    }
+    places.offer("toolBars", bars);
+    places.buildMenus(configFile("menus.xml"), &menus);
+    if (menus.contains(nullptr)) {
+        QMenu* const next = menus.value(menus.indexOf(nullptr) + 1);
+        menuBar()->insertMenu(next ? next->menuAction() : nullptr, windowCommands->getMenu());
+        menus.removeAll(nullptr);
+    }
 }
 
 /// What the plugins offer to add to the current map; without a map, one is made for it first.
-void ViewerWindow::addPluginActions(QMenu* menu)
+QList<QAction*> ViewerWindow::createPluginActions()
 {
-    const auto actions = PluginManager::getLayerPluginAddLayerActions();
-    for (QAction* action : actions) {
-        QAction* entry = menu->addAction(action->icon(), action->text());
+    QList<QAction*> entries;
+    for (QAction* action : PluginManager::getLayerPluginAddLayerActions()) {
+        auto* const entry = new QAction(action->icon(), action->text(), this);
         entry->setObjectName(action->objectName());
         connect(entry, &QAction::triggered, action, [this, action] {
             if (!getActiveMapWindow()) {
@@ -187,127 +308,76 @@ void ViewerWindow::addPluginActions(QMenu* menu)
             }
             action->trigger();
         });
+        entries << entry;
     }
-}
-
-void ViewerWindow::createViewMenu()
-{
-    viewMenu = menuBar()->addMenu(tr("&View"));
-    viewMenu->addActions(commands->getModeActions());
-    viewMenu->addSeparator();
-    viewMenu->addActions(commands->getZoomActions());
-    viewMenu->addSeparator();
-    viewMenu->addAction(commands->getFullScreenAction());
-}
-
-void ViewerWindow::createWindowMenu()
-{
-    windowMenu = menuBar()->addMenu(tr("&Window"));
-    QAction* tile = windowMenu->addAction(tr("&Tile"), area, &QMdiArea::tileSubWindows);
-    tile->setObjectName("actionTile");
-    QAction* cascade = windowMenu->addAction(tr("C&ascade"), area, &QMdiArea::cascadeSubWindows);
-    cascade->setObjectName("actionCascade");
-    QAction* next =
-        windowMenu->addAction(tr("&Next Window"), area, &QMdiArea::activateNextSubWindow);
-    next->setObjectName("actionNextWindow");
-    next->setShortcut(QKeySequence("Ctrl+Tab"));
-    windowMenu->addSeparator()->setObjectName("windowsFollow");
-    connect(windowMenu, &QMenu::aboutToShow, this, &ViewerWindow::fillWindowMenu);
-}
-
-/// Below the separator: one entry for each map window.
-void ViewerWindow::fillWindowMenu()
-{
-    const auto separator = windowMenu->findChild<QAction*>("windowsFollow");
-    const auto actions = windowMenu->actions();
-    for (QAction* action : actions.mid(actions.indexOf(separator) + 1)) {
-        delete action;
-    }
-    for (QMdiSubWindow* window : area->subWindowList()) {
-        QAction* action = windowMenu->addAction(window->windowTitle());
-        action->setCheckable(true);
-        action->setChecked(window == area->currentSubWindow());
-        connect(action, &QAction::triggered, window,
-                [this, window] { area->setActiveSubWindow(window); });
-    }
-}
-
-void ViewerWindow::createHelpMenu()
-{
-    QMenu* menu = menuBar()->addMenu(tr("&Help"));
-    QAction* about = menu->addAction(icon("help.png"), tr("&About"));
-    about->setObjectName("actionAbout");
-    connect(about, &QAction::triggered, this, &ViewerWindow::showAbout);
-}
-
-void ViewerWindow::showAbout()
-{
-    const auto box = new QMessageBox(
-        QMessageBox::NoIcon, tr("About"),
-        tr("%1 %2\n\nShows georeferenced imagery far larger than memory.")
-            .arg(QCoreApplication::applicationName(), Application::applicationVersion()),
-        QMessageBox::Ok, this);
-    box->setIconPixmap(QPixmap(":/resources/corvanegeospatial.png"));
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->open();
-}
-
-void ViewerWindow::createToolBar()
-{
-    QToolBar* bar = addToolBar(tr("Tool Bar"));
-    bar->setObjectName("mapToolBar");
-    bar->setIconSize(toolIconSize);
-    bar->addActions({openAction, addLayerAction, commands->getSnapshotAction()});
-    bar->addSeparator();
-    bar->addActions(commands->getModeActions());
-    bar->addSeparator();
-    bar->addActions(commands->getZoomActions());
-    bar->addSeparator();
-    bar->addAction(commands->getFullScreenAction());
-    viewMenu->addSeparator();
-    viewMenu->addAction(bar->toggleViewAction());
+    return entries;
 }
 
 void ViewerWindow::restoreLayout()
 {
-    const QSettings* settings = Application::instance()->getSettings();
-    if (!restoreGeometry(settings->value(geometryKey).toByteArray())) {
+    restoreGuiPrefs();
+    if (!Application::instance()->getSettings()->contains(geometryKey)) {
         resize(firstSize);
     }
-    restoreState(settings->value(stateKey).toByteArray());
+}
+
+/// Asks of one changed map after the other; each answer but one that keeps the window closes again.
+bool ViewerWindow::mayCloseAll(const std::function<void()>& then)
+{
+    for (QMdiSubWindow* subWindow : area->subWindowList()) {
+        const auto window = qobject_cast<MapWindow*>(subWindow);
+        if (window && !saving->mayClose(window, then)) {
+            area->setActiveSubWindow(window);
+            return false;
+        }
+    }
+    return true;
+}
+
+void ViewerWindow::closeAllMaps()
+{
+    if (mayCloseAll([this] { closeAllMaps(); })) {
+        area->closeAllSubWindows();
+    }
 }
 
 void ViewerWindow::closeEvent(QCloseEvent* event)
 {
-    QSettings* settings = Application::instance()->getSettings();
-    settings->setValue(geometryKey, saveGeometry());
-    settings->setValue(stateKey, saveState());
+    if (!mayCloseAll([this] { close(); })) {
+        event->ignore();
+        return;
+    }
+    saveGuiPrefs();
     area->closeAllSubWindows();
-    QMainWindow::closeEvent(event);
+    MainWindow::closeEvent(event);
+}
+
+void ViewerWindow::changeEvent(QEvent* event)
+{
+    MainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && panels) {
+        panels->refresh();
+    }
 }
 
 void ViewerWindow::chooseFiles(bool add)
 {
-    const auto dialog = new QFileDialog(this, add ? tr("Add Layer") : tr("Open"), lastFolder(),
-                                        PluginManager::getFileChooserReadFilter());
+    const auto dialog = new QFileDialog(this, add ? tr("Add Layer") : tr("Open"), lastFolder());
     dialog->setObjectName("openDialog");
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setNameFilters(add ? layerFilters() : layerAndMapFilters());
     dialog->setFileMode(QFileDialog::ExistingFiles);
     dialog->setOption(QFileDialog::HideNameFilterDetails); // the first filter names every pattern
     connect(dialog, &QFileDialog::filesSelected, this, [this, add](const QStringList& files) {
         keepFolderOf(files.first());
-        if (add) {
-            addFiles(files, getActiveMapWindow());
-        } else {
-            openFiles(files);
-        }
+        opening->open(files, add ? FileOpening::ActiveMap : FileOpening::NewWindows);
     });
     dialog->open();
 }
 
 void ViewerWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (event->mimeData()->hasUrls()) {
+    if (!sourcesOf(event->mimeData()).isEmpty()) {
         event->acceptProposedAction();
     }
 }
@@ -316,14 +386,12 @@ void ViewerWindow::dropEvent(QDropEvent* event)
 {
     const QStringList sources = sourcesOf(event->mimeData());
     event->acceptProposedAction();
-    MapWindow* window = mapWindowAt(event->pos());
-    if (!window && event->keyboardModifiers().testFlag(Qt::ShiftModifier)) {
-        window = getActiveMapWindow();
-    }
-    if (window) {
-        addFiles(sources, window);
+    const bool other = event->keyboardModifiers().testFlag(Qt::ShiftModifier);
+    const auto usual = FileOpening::usualPlace();
+    if (MapWindow* window = mapWindowAt(event->pos())) {
+        opening->addTo(window, sources);
     } else {
-        openFiles(sources);
+        opening->open(sources, other ? FileOpening::otherPlace(usual) : usual);
     }
 }
 

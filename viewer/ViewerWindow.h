@@ -1,71 +1,102 @@
 #pragma once
 
-#include <QMainWindow>
+#include <corvane/gui/MainWindow.h>
+
+#include <QList>
 #include <QStringList>
+
+#include <functional>
 
 class QMdiArea;
 class QMdiSubWindow;
 class QMenu;
-class QMimeData;
 
 namespace Corvane::Viewer {
 
+class FileOpening;
 class MapCommands;
+class MapSaving;
 class MapWindow;
 class OpenFailures;
+class Panels;
+class Preferences;
+class RecentFiles;
+class ServerBrowsing;
 class ViewerStatusBar;
+class WindowCommands;
 
-/// The program's window: map windows side by side, menus, tool bar and status bar. Takes files from
-/// the dialogs and by drag and drop. GUI thread only.
-class ViewerWindow : public QMainWindow
+/// The program's window: map windows side by side, panels around them, status bar, and the menus and
+/// tool bars that the program's XML files tell, whose entries get their effect here. Takes files
+/// from the dialogs and by drag and drop. GUI thread only.
+class ViewerWindow : public Gui::MainWindow
 {
     Q_OBJECT
 public:
     explicit ViewerWindow(QWidget* parent = nullptr);
     ~ViewerWindow() override;
 
-    /// Opens each source in a map window of its own, side by side if they are the first. Returns
-    /// before they are open.
+    /// Opens files, folders and addresses where the user wants such to be opened. Returns before
+    /// they are open.
+    void open(const QStringList& sources);
+    /// Opens each source, map documents among them, in a map window of its own, side by side if they
+    /// are the first. Returns before they are open. A document that is open comes to the front.
     void openFiles(const QStringList& sources);
-    /// Opens the sources as layers of a map window; null makes one.
+    /// Opens the sources as layers of a map window; null makes one. Documents get their own.
     void addFiles(const QStringList& sources, MapWindow* window);
+
+    /// A new, empty map window, the active one.
+    MapWindow* addMapWindow();
+    /// Asks about maps that are not saved, then closes all of them unless the user keeps one.
+    void closeAllMaps();
 
     QMdiArea* getMdiArea() const;
     /// The active map window, or null.
     MapWindow* getActiveMapWindow() const;
+    /// All map windows, in the order they were made.
+    QList<MapWindow*> getMapWindows() const;
+    Panels* getPanels() const;
+
+signals:
+    /// A window is in the work space; nothing is in its map yet.
+    void mapWindowAdded(MapWindow* window);
+    /// Another map window is the active one, or none is (null). May come again for the same one.
+    void activeMapChanged(MapWindow* window);
 
 protected:
-    /// Stores where windows and bars are.
+    /// Asks about maps that are not saved, then stores where windows and bars are.
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
-    /// Onto a map window, or with Shift, adds layers; else opens windows.
+    /// Onto a map window adds layers; else opens where the user wants it, with Shift in the other way.
     void dropEvent(QDropEvent* event) override;
 
+    /// What a dialog did to the map may be news to the panels.
+    void changeEvent(QEvent* event) override;
+
 private:
-    void createMenus();
-    void createFileMenu();
-    void addPluginActions(QMenu* menu);
-    void createViewMenu();
-    void createWindowMenu();
-    void createHelpMenu();
-    void createToolBar();
+    void createCommands();
+    void createFeatures();
+    void placeCommands();
+    QList<QAction*> createPluginActions();
     void restoreLayout();
     void chooseFiles(bool add);
-    void fillWindowMenu();
-    void showAbout();
     void onSubWindowActivated(QMdiSubWindow* window);
-    MapWindow* addMapWindow();
+    MapWindow* windowOf(const QString& document) const;
+    bool mayCloseAll(const std::function<void()>& then);
     MapWindow* mapWindowAt(const QPoint& position) const;
 
     QMdiArea* area;
     MapCommands* commands;
     OpenFailures* failures;
+    MapSaving* saving;
+    RecentFiles* recent;
+    ServerBrowsing* browsing;
     ViewerStatusBar* status;
-    QAction* openAction = nullptr;
+    Panels* panels = nullptr;
+    Preferences* preferences = nullptr;
+    FileOpening* opening = nullptr;
     QAction* addLayerAction = nullptr;
-    QAction* closeAction = nullptr;
-    QMenu* windowMenu = nullptr;
-    QMenu* viewMenu = nullptr;
+    WindowCommands* windowCommands = nullptr;
+    QList<QMenu*> menus; // of the menu file, without a parent: owned
 };
 
 } // namespace Corvane::Viewer

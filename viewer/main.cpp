@@ -1,13 +1,27 @@
 #include <viewer/CommandLine.h>
+#include <viewer/ColorScheme.h>
 #include <viewer/ConsoleLog.h>
+#include <viewer/DocumentThreads.h>
 #include <viewer/FileInfo.h>
+#include <viewer/FolderContents.h>
+#include <viewer/InfoText.h>
+#include <viewer/InstanceLink.h>
+#include <viewer/Languages.h>
+#include <viewer/LogBook.h>
 #include <viewer/PluginListing.h>
+#include <viewer/SessionFolder.h>
+#include <viewer/SessionKeeper.h>
+#include <viewer/SettingsFile.h>
 #include <viewer/SnapshotRenderer.h>
+#include <viewer/Sources.h>
 #include <viewer/Startup.h>
 #include <viewer/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QGuiApplication>
 #include <QSettings>
 #include <QThreadPool>
 
@@ -39,29 +53,53 @@ int renderSnapshot(const ViewerOptions& options)
 int printInfo(const ViewerOptions& options)
 {
     FileInfo info(options);
-    QByteArray json;
-    const ExitCode code = info.run(&json);
-    print(json);
+    QJsonArray files;
+    const ExitCode code = info.run(&files);
+    if (options.json || !writesToTerminal()) {
+        print(QJsonDocument(files).toJson(QJsonDocument::Indented));
+    } else {
+        print(infoText(files).toLocal8Bit());
+    }
     if (info.isUnderWay()) {
         endNow(code);
     }
     return code;
 }
 
-int runWindow(const ViewerOptions& options)
+int runWindow(const QStringList& sources)
 {
+    const auto translations = loadTranslations();
+    applyColorScheme();
     ViewerWindow window;
+    InstanceLink link(&window);
+    QObject::connect(&link, &InstanceLink::received, &window, &ViewerWindow::open);
+    SessionKeeper session(
+        &window, SessionFolder::rootFor(Application::instance()->getSettings()->fileName()));
     window.show();
-    window.openFiles(options.files);
-    return QCoreApplication::exec();
+    session.start();
+    window.open(sources);
+    const int code = QCoreApplication::exec();
+    session.end();
+    return code;
 }
 
 /// A read that hangs in a server does not keep the program alive behind its closed window; a
-/// picture that is being saved has this time to be finished.
+/// picture or a map that is being saved has this time to be finished.
 int showWindow(const ViewerOptions& options)
 {
-    const int code = runWindow(options);
-    if (!QThreadPool::globalInstance()->waitForDone(longestFarewellMilliseconds)) {
+    QStringList sources;
+    for (const QString& file : options.files) {
+        sources << absoluteSource(file);
+    }
+    if (!options.newInstance && InstanceLink::handOver(sources)) {
+        return Done;
+    }
+    const int code = runWindow(sources);
+    const bool documentsDone = documentThreads().waitForDone(longestFarewellMilliseconds) &&
+                               sessionThread().waitForDone(longestFarewellMilliseconds) &&
+                               folderThreads().waitForDone(longestFarewellMilliseconds);
+    if (!QThreadPool::globalInstance()->waitForDone(longestFarewellMilliseconds) || !documentsDone)
+    {
         Application::instance()->getSettings()->sync();
         endNow(code);
     }
@@ -101,8 +139,17 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    ConsoleLog log; // before the application object, whose end waits for threads that log
+    ConsoleLog log;     // before the application object, whose end waits for threads that log
+    LogBook book(&log); // the same
+    const QString configFile = configFileOf(argc, argv);
+    QString reason;
+    if (!configFile.isEmpty() && !canKeepSettings(configFile, &reason)) {
+        printError(QString("cannot keep settings in %1: %2").arg(configFile, reason));
+        return WrongUsage;
+    }
+    Application::useSettingsFile(configFile);
     Application application(argc, argv, programName);
+    QGuiApplication::setDesktopFileName("org.corvane.Viewer"); // whose icon Wayland shows
 
     CommandLine commandLine;
     if (!commandLine.parse(QCoreApplication::arguments())) {
@@ -117,6 +164,6 @@ int main(int argc, char** argv)
 
     setUpLogging(options.verbose);
     log.setLogLevel(options.verbose ? Debug : Warning);
-    Application::installLogMessageHandler(&log);
+    Application::installLogMessageHandler(&book);
     return run(options);
 }

@@ -1,5 +1,6 @@
 #include <viewer/CommandLine.h>
 
+#include <QDir>
 #include <QtTest>
 
 using namespace Corvane::Viewer;
@@ -14,6 +15,7 @@ private slots:
     void wrongUsageIsNamed();
     void snapshotValuesAreTakenOver();
     void absentValuesHaveTheirDefaults();
+    void switchesAreOffUnlessGiven();
     void numbersAreReadExactly();
     void wordsAfterTwoDashesAreFiles();
     void aSecondParseStartsAfresh();
@@ -31,10 +33,14 @@ void CommandLineTest::modesFollowTheOptions_data()
     QTest::newRow("files are shown in a window")
         << QStringList{"a.tif", "b.tif"} << int(Options::ShowWindow)
         << QStringList{"a.tif", "b.tif"};
+    QTest::newRow("snapshot renders a page") << QStringList{"--snapshot", "o.PDF", "a.tif"}
+                                             << int(Options::Snapshot) << QStringList{"a.tif"};
     QTest::newRow("snapshot renders") << QStringList{"--snapshot", "o.png", "a.tif"}
                                       << int(Options::Snapshot) << QStringList{"a.tif"};
     QTest::newRow("options may follow files") << QStringList{"a.tif", "--snapshot=o.JPEG"}
                                               << int(Options::Snapshot) << QStringList{"a.tif"};
+    QTest::newRow("render renders") << QStringList{"--render", "o.pdf", "a.tif"}
+                                    << int(Options::Snapshot) << QStringList{"a.tif"};
     QTest::newRow("info tells") << QStringList{"--info", "a.tif"} << int(Options::Info)
                                 << QStringList{"a.tif"};
     QTest::newRow("list-plugins lists")
@@ -62,6 +68,14 @@ void CommandLineTest::wrongUsageIsNamed_data()
 
     const QStringList snapshot{"--snapshot", "o.png", "a.tif"};
     QTest::newRow("an unknown option") << QStringList{"--bogus"} << "bogus";
+    QTest::newRow("render of nothing")
+        << QStringList{"--render", "o.png"} << "--render needs a file";
+    QTest::newRow("render and snapshot")
+        << QStringList{"--render", "o.png", "--snapshot", "p.png", "a.tif"} << "exclude";
+    QTest::newRow("render to an unknown kind")
+        << QStringList{"--render", "o.gif", "a.tif"} << "o.gif";
+    QTest::newRow("json without info") << QStringList{"--json", "a.tif"} << "--json goes with";
+    QTest::newRow("settings in no file") << QStringList{"--config", ""} << "--config needs";
     QTest::newRow("an option without its value")
         << QStringList{"a.tif", "--snapshot"} << "snapshot";
     QTest::newRow("a snapshot of nothing") << QStringList{"--snapshot", "o.png"} << "needs a file";
@@ -71,7 +85,7 @@ void CommandLineTest::wrongUsageIsNamed_data()
     QTest::newRow("a picture format that is not written")
         << QStringList{"--snapshot", "o.gif", "a.tif"} << "o.gif";
     QTest::newRow("a picture without a suffix")
-        << QStringList{"--snapshot", "png", "a.tif"} << ".png, .jpg, .jpeg";
+        << QStringList{"--snapshot", "png", "a.tif"} << ".png, .jpg, .jpeg, .pdf";
     QTest::newRow("a size without a snapshot") << QStringList{"--size", "8x8", "a.tif"} << "--size";
     QTest::newRow("an extent without a snapshot")
         << QStringList{"--extent", "0,1,1,0", "a.tif"} << "--extent";
@@ -127,6 +141,27 @@ void CommandLineTest::absentValuesHaveTheirDefaults()
     QCOMPARE(options.timeout.count(), 60000);
     QVERIFY(!options.hasExtent);
     QVERIFY(!options.verbose);
+}
+
+void CommandLineTest::switchesAreOffUnlessGiven()
+{
+    CommandLine commandLine;
+    QVERIFY(commandLine.parse({"viewer", "--snapshot", "o.png", "a.tif"}));
+    QVERIFY(!commandLine.getOptions().listsGaps);
+    QVERIFY(!commandLine.getOptions().newInstance);
+    QVERIFY(!commandLine.getOptions().json);
+    QVERIFY(commandLine.getOptions().configFile.isEmpty());
+
+    QVERIFY(commandLine.parse({"viewer", "--render=o.png", "a.tif"}));
+    QVERIFY(commandLine.getOptions().listsGaps);
+    QCOMPARE(commandLine.getOptions().snapshotFile, QString("o.png"));
+
+    QVERIFY(commandLine.parse({"viewer", "--info", "--json", "a.tif"}));
+    QVERIFY(commandLine.getOptions().json);
+
+    QVERIFY(commandLine.parse({"viewer", "--new-instance", "--config", "x.ini"}));
+    QVERIFY(commandLine.getOptions().newInstance);
+    QCOMPARE(commandLine.getOptions().configFile, QDir::current().absoluteFilePath("x.ini"));
 }
 
 void CommandLineTest::numbersAreReadExactly()

@@ -2,8 +2,11 @@
 
 #include <tests/map/TestLayers.h>
 
+#include <QBrush>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QPen>
+#include <QRegion>
 #include <QSizeF>
 #include <QtTest>
 
@@ -55,7 +58,13 @@ void FileInfoTest::valuesKeepTheirExactForm_data()
     QTest::newRow("bands") << QVariant::fromValue(QVector<qint32>{3, 2, 1})
                            << QByteArray("[3,2,1]");
     QTest::newRow("nothing") << QVariant() << QByteArray("null");
-    QTest::newRow("a type without a text form") << QVariant(QPen()) << QByteArray("null");
+    QTest::newRow("a type without a text form")
+        << QVariant::fromValue(QRegion()) << QByteArray("null");
+    QTest::newRow("a pen") << QVariant(QPen(QColor(1, 2, 3), 2.5, Qt::DashLine))
+                           << QByteArray(
+                                  "{\"color\":\"#010203\",\"style\":\"DashLine\",\"width\":2.5}");
+    QTest::newRow("a brush") << QVariant(QBrush(QColor(1, 2, 3), Qt::CrossPattern))
+                             << QByteArray("{\"color\":\"#010203\",\"style\":\"CrossPattern\"}");
 }
 
 void FileInfoTest::valuesKeepTheirExactForm()
@@ -103,7 +112,7 @@ void FileInfoTest::iconsAndObjectNamesAreNoInformation()
     const QJsonObject properties = object["properties"].toObject();
     QVERIFY(!properties.contains("Icon"));
     QVERIFY(!properties.contains("objectName"));
-    QVERIFY(properties["pen"].isNull());
+    QCOMPARE(properties["pen"].toObject()["style"].toString(), QString("SolidLine"));
     QVERIFY(!object.contains("size")); // only raster layers have one
 }
 

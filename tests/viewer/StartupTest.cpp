@@ -43,6 +43,8 @@ private slots:
     void aWindowIsNotAskedForByTheModesOfScripts();
     void aDisplayIsThereWhenTheEnvironmentNamesOne_data();
     void aDisplayIsThereWhenTheEnvironmentNamesOne();
+    void theSettingsFileIsKnownBeforeTheOptionsAreRead_data();
+    void theSettingsFileIsKnownBeforeTheOptionsAreRead();
     void tileLinesAreOffUnlessAskedFor();
     void loggingRulesOfTheUserAreLeftAlone();
     void cleanup();
@@ -68,6 +70,9 @@ void StartupTest::aWindowIsNotAskedForByTheModesOfScripts_data()
     QTest::newRow("snapshot") << QList<QByteArray>{"viewer", "--snapshot", "o.png"} << true;
     QTest::newRow("snapshot with an equals sign")
         << QList<QByteArray>{"viewer", "a.tif", "--snapshot=o.png"} << true;
+    QTest::newRow("render") << QList<QByteArray>{"viewer", "--render", "o.png"} << true;
+    QTest::newRow("render with an equals sign")
+        << QList<QByteArray>{"viewer", "--render=o.png"} << true;
     QTest::newRow("another option that begins like it")
         << QList<QByteArray>{"viewer", "--snapshotting"} << false;
     QTest::newRow("info") << QList<QByteArray>{"viewer", "--info"} << true;
@@ -125,6 +130,31 @@ void StartupTest::aDisplayIsThereWhenTheEnvironmentNamesOne()
 
     const auto argv = pointersTo(words);
     QTEST(hasDisplay(int(argv.size()), argv.data()), "display");
+}
+
+void StartupTest::theSettingsFileIsKnownBeforeTheOptionsAreRead_data()
+{
+    QTest::addColumn<QList<QByteArray>>("words");
+    QTest::addColumn<QString>("file");
+
+    QTest::newRow("none") << QList<QByteArray>{"viewer", "a.tif"} << QString();
+    QTest::newRow("the word behind") << QList<QByteArray>{"viewer", "--config", "x.ini"} << "x.ini";
+    QTest::newRow("with an equals sign")
+        << QList<QByteArray>{"viewer", "--config=x.ini"} << "x.ini";
+    QTest::newRow("the last one counts")
+        << QList<QByteArray>{"viewer", "--config=x.ini", "a.tif", "--config", "y.ini"} << "y.ini";
+    QTest::newRow("nothing behind") << QList<QByteArray>{"viewer", "--config"} << QString();
+    QTest::newRow("a file that is called so")
+        << QList<QByteArray>{"viewer", "--", "--config", "x.ini"} << QString();
+    QTest::newRow("another option that begins like it")
+        << QList<QByteArray>{"viewer", "--configure=x.ini"} << QString();
+}
+
+void StartupTest::theSettingsFileIsKnownBeforeTheOptionsAreRead()
+{
+    QFETCH(QList<QByteArray>, words);
+    const auto argv = pointersTo(words);
+    QTEST(configFileOf(int(argv.size()), argv.data()), "file");
 }
 
 void StartupTest::tileLinesAreOffUnlessAskedFor()

@@ -1,5 +1,8 @@
 #include "StallingServer.h"
 #include "TestImages.h"
+#include "ViewerRun.h"
+
+#include <tests/support/PdfPixels.h>
 
 #include <corvane/map/ViewManager.h>
 
@@ -7,7 +10,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -18,39 +20,6 @@
 using namespace Corvane;
 
 namespace {
-
-struct Run
-{
-    int exitCode = -1;
-    QByteArray output;
-    QByteArray errors;
-};
-
-/// Runs the program as a script on a machine without a display does. The event loop goes on, for
-/// the servers of the test.
-Run runViewer(const QStringList& arguments, const QMap<QString, QString>& variables = {})
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
-        environment.remove(name);
-    }
-    for (auto it = variables.begin(); it != variables.end(); ++it) {
-        environment.insert(it.key(), it.value());
-    }
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(CORVANE_VIEWER, arguments);
-    Run run;
-    if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, 60000)) {
-        process.kill();
-        process.waitForFinished();
-        return run;
-    }
-    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-    run.output = process.readAllStandardOutput();
-    run.errors = process.readAllStandardError();
-    return run;
-}
 
 /// A client that does nothing, for a manager of its own.
 class NoClient : public Map::IClient
@@ -128,6 +97,9 @@ private slots:
     void withoutExtentEverythingIsShown();
     void laterFilesLieAboveEarlierOnes();
     void jpegIsWrittenAsJpeg();
+    void aPdfIsAPageOfThePicturesSize_data();
+    void aPdfIsAPageOfThePicturesSize();
+    void aPdfThatIsThereStaysWhenNothingOpens();
     void aScaleFactorOfTheDesktopChangesNothing();
     void sourcesThatFailEndWithTwo_data();
     void sourcesThatFailEndWithTwo();
@@ -386,6 +358,50 @@ void ViewerProgramTest::jpegIsWrittenAsJpeg()
     QVERIFY2(error < 2.0, qPrintable(QString::number(error)));
 }
 
+void ViewerProgramTest::aPdfIsAPageOfThePicturesSize_data()
+{
+    QTest::addColumn<QString>("file");
+
+    QTest::newRow("in metres") << "plain.tif";
+    QTest::newRow("in degrees") << "degrees.tif";
+}
+
+// A pixel of the picture is a point of the page.
+void ViewerProgramTest::aPdfIsAPageOfThePicturesSize()
+{
+    QFETCH(QString, file);
+    TestImages::Layout degrees;
+    degrees.epsg = 4326;
+    degrees.origin = QPointF(10.0, 50.0);
+    degrees.cell = 0.001;
+    write("degrees.tif", degrees);
+    const QString page = path("page.pdf");
+    Run run = runViewer({"--snapshot", page, "--size", "401x303", path(file)});
+    QVERIFY2(run.exitCode == 0, run.errors);
+    run = runViewer({"--snapshot", picture, "--size", "401x303", path(file)});
+    QVERIFY2(run.exitCode == 0, run.errors);
+
+    const QImage pixels = pdfFilePixels(page, 72);
+    QCOMPARE(pixels.size(), QSize(401, 303));
+    // without the frame; what lies beside the image is white in both
+    const QRect inside = pixels.rect().adjusted(3, 3, -3, -3);
+    const double error =
+        TestImages::meanError(pixels.copy(inside).convertToFormat(QImage::Format_RGB32),
+                              QImage(picture).copy(inside).convertToFormat(QImage::Format_RGB32));
+    QVERIFY2(error < 2.0, qPrintable(QString::number(error)));
+}
+
+void ViewerProgramTest::aPdfThatIsThereStaysWhenNothingOpens()
+{
+    QFile old(path("old.pdf"));
+    QVERIFY(old.open(QIODevice::WriteOnly));
+    old.write("old");
+    old.close();
+    const Run run = runViewer({"--snapshot", path("old.pdf"), path("missing.tif")});
+    QCOMPARE(run.exitCode, 2);
+    QCOMPARE(contentOf(path("old.pdf")), QByteArray("old"));
+}
+
 void ViewerProgramTest::aScaleFactorOfTheDesktopChangesNothing()
 {
     const QRect cells(10, 20, 200, 200);
@@ -471,6 +487,11 @@ void ViewerProgramTest::tilesThatDoNotComeEndWithThree()
     QVERIFY2(run.exitCode == 3, run.errors);
     QVERIFY2(run.errors.contains("not complete in time"), run.errors);
     QCOMPARE(QImage(picture).size(), QSize(300, 200));
+
+    const Run onPaper = runViewer({"--snapshot", path("late.pdf"), "--size", "300x200", "--timeout",
+                                   "2", server.addressOf("large.tif")});
+    QVERIFY2(onPaper.exitCode == 3, onPaper.errors);
+    QCOMPARE(pdfFilePixels(path("late.pdf"), 72).size(), QSize(300, 200));
 }
 
 void ViewerProgramTest::informationAboutAServerThatSaysNothingEndsWithTwo()
