@@ -1,19 +1,25 @@
 #!/usr/bin/env bash
 # Installs what is missing for building, testing and measuring, with apt (Debian 12 and its relatives).
 #
-#   scripts/setup.sh [build] [test] [check] [bench]      no word: all of them
+#   scripts/setup.sh [build] [test] [check] [bench] [package]      no word: all of them
 #
-# build: compilers and libraries; test: what the tests run; check: Clang and its tools; bench: benchmarks and test data.
+# build: compilers and libraries; test: what the tests run; check: Clang and its tools; bench: benchmarks and test data;
+# package: what makes, checks and tries Debian packages.
 # Where nothing is missing it ends at once, needs no root and asks no server.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 build_packages=(g++ cmake ninja-build ccache pkg-config ca-certificates
-    qtbase5-dev libgdal-dev libcurl4-openssl-dev librsvg2-bin libqtpropertybrowser-dev)
-test_packages=(qttools5-dev-tools gdal-bin openssl xvfb xauth)
-check_packages=(clang clang-format clang-tidy libclang-rt-dev shellcheck git)
+    qtbase5-dev libgdal-dev libproj-dev libboost-dev libcurl4-openssl-dev libturbojpeg0-dev librsvg2-bin
+    libqtpropertybrowser-dev
+    libcpp-httplib-dev qttools5-dev qttools5-dev-tools cmark-gfm
+    qttranslations5-l10n)
+test_packages=(gdal-bin openssl poppler-utils xvfb xauth)
+check_packages=(clang clang-format clang-tidy libclang-rt-dev shellcheck git abigail-tools xz-utils doxygen)
 bench_packages=(gdal-bin marble-data libbenchmark-dev python3 nginx-light libnginx-mod-http-echo)
+package_packages=(dpkg-dev file gdal-bin lintian desktop-file-utils appstream libxml2-utils shared-mime-info man-db mandoc
+    debootstrap curl xvfb x11-utils)
 
 # Debian 12 alone left this package out; the release before it has the version that fits its Qt.
 property_browser=libqtpropertybrowser-dev
@@ -109,7 +115,7 @@ find_missing()
 }
 
 groups=("$@")
-((${#groups[@]})) || groups=(build test check bench)
+((${#groups[@]})) || groups=(build test check bench package)
 wanted=()
 for group in "${groups[@]}"; do
     case "$group" in
@@ -117,7 +123,8 @@ for group in "${groups[@]}"; do
         test) wanted+=("${test_packages[@]}") ;;
         check) wanted+=("${check_packages[@]}") ;;
         bench) wanted+=("${bench_packages[@]}") ;;
-        *) fail "unknown word '$group'; it takes build, test, check and bench" ;;
+        package) wanted+=("${package_packages[@]}") ;;
+        *) fail "unknown word '$group'; it takes build, test, check, bench and package" ;;
     esac
 done
 
@@ -145,7 +152,17 @@ for package in "${missing[@]}"; do
 done
 if ((${#ordinary[@]})); then
     say "setup: installing ${ordinary[*]}"
+    # The benchmark starts an nginx of its own; the package's service shall not take port 80.
+    quiet_nginx=
+    if [[ " ${ordinary[*]} " == *" nginx-light "* && -d /run/systemd/system ]]; then
+        quiet_nginx=yes
+        as_root systemctl mask nginx.service >&2
+    fi
     as_root apt-get install -y --no-install-recommends "${ordinary[@]}" >&2
+    if [[ -n "$quiet_nginx" ]]; then
+        as_root systemctl unmask nginx.service >&2
+        as_root systemctl disable nginx.service >&2
+    fi
 fi
 if ((${#ordinary[@]} < ${#missing[@]})); then
     install_property_browser

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 
 namespace {
@@ -138,13 +139,16 @@ QByteArray HttpRequest::header(const char* name) const
     return QByteArray();
 }
 
-HttpTestServer::HttpTestServer()
+HttpTestServer::HttpTestServer(int port)
     : otherHandler([](const HttpRequest&) { return HttpReply::withStatus(404, "no such page"); })
 {
     listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    const int reuse = 1; // the port may have been another server's
+    ::setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
     socklen_t size = sizeof address;
     auto* const anyAddress = reinterpret_cast<sockaddr*>(&address);
     if (::bind(listener, anyAddress, size) != 0 || ::listen(listener, backlog) != 0 ||

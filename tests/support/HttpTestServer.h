@@ -36,8 +36,8 @@ public:
     using Handler = std::function<HttpReply(const HttpRequest& request)>; // on a server thread
     static constexpr int all = std::numeric_limits<int>::max();
 
-    /// Listens on a free port.
-    HttpTestServer();
+    /// Listens on a free port, or on one that was free a moment ago.
+    explicit HttpTestServer(int port = 0);
     /// Closes all connections, held replies among them.
     ~HttpTestServer();
     HttpTestServer(const HttpTestServer&) = delete;
