@@ -4,26 +4,11 @@
 #include <corvane/core/ILayerPropertiesWidget.h>
 #include <corvane/core/IMdiAreaPlugin.h>
 #include <corvane/core/LogMessageHandler.h>
+#include <tests/support/VirtualSlot.h>
 
 #include <QtTest>
 
-#include <cstring>
-
 using namespace Corvane;
-
-namespace {
-
-// A pointer to a virtual member holds the offset in the table of functions, plus at most one.
-template <typename Member>
-int slotOf(Member member)
-{
-    static_assert(sizeof member >= sizeof(std::ptrdiff_t));
-    std::ptrdiff_t offset = 0;
-    std::memcpy(&offset, &member, sizeof offset);
-    return int(offset / std::ptrdiff_t(sizeof(void*)));
-}
-
-} // namespace
 
 class PluginInterfacesTest : public QObject
 {

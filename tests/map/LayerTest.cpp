@@ -15,6 +15,8 @@
 #include <QUrl>
 #include <QtTest>
 
+#include <algorithm>
+#include <functional>
 #include <limits>
 #include <memory>
 
@@ -134,6 +136,21 @@ public:
     const QMetaObject* metaObject() const override { return nullptr; }
 };
 
+/// Shows what a plugin's layer sees of its base.
+class OpenLayer : public TestLayer
+{
+public:
+    using Layer::comments;
+    using Layer::description;
+    using Layer::maxScale;
+    using Layer::minScale;
+    using Layer::rendererClient;
+    using Layer::reservedText1;
+    using Layer::reservedText2;
+    using Layer::spatialRef;
+    using Layer::uid;
+};
+
 class LayerTest : public QObject
 {
     Q_OBJECT
@@ -143,6 +160,7 @@ private slots:
     void layerTypesHaveNames();
 
     void startsWithAnIdentityAndNothingElse();
+    void fieldsStandInOrder();
     void everyLayerHasAnIdentityOfItsOwn();
     void textsAreKept();
     void scaleLimitsAreKeptAsTheyAreGiven();
@@ -212,6 +230,17 @@ void LayerTest::startsWithAnIdentityAndNothingElse()
     QVERIFY(!layer.parent());
     QVERIFY(layer.getMinScale() == 2.2250738585072014e-308);
     QVERIFY(layer.getMaxScale() == 1.7976931348623157e308);
+}
+
+void LayerTest::fieldsStandInOrder()
+{
+    const OpenLayer layer;
+    const QVector<const void*> fields = {
+        &layer.uid,           &layer.comments,      &layer.description,
+        &layer.minScale,      &layer.maxScale,      &layer.rendererClient,
+        &layer.reservedText1, &layer.reservedText2, &layer.spatialRef};
+    QVERIFY(std::is_sorted(fields.begin(), fields.end(), std::less<const void*>()));
+    QVERIFY(layer.reservedText1.isNull() && layer.reservedText2.isNull());
 }
 
 void LayerTest::everyLayerHasAnIdentityOfItsOwn()

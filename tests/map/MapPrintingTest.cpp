@@ -2,13 +2,13 @@
 
 #include <tests/support/MessageLines.h>
 #include <tests/support/PointPrinter.h>
+#include <tests/support/VirtualSlot.h>
 
 #include <corvane/map/MapCanvas.h>
 
 #include <QProgressBar>
 #include <QProgressDialog>
 
-#include <cstring>
 #include <functional>
 
 using Corvane::GeoPainter;
@@ -104,21 +104,6 @@ QStringList thirdStrip()
             "endUpdate"};
 }
 
-// A pointer to a virtual member holds the offset in the table of functions, plus at most one.
-template <typename Member>
-int slotOf(Member member)
-{
-    std::ptrdiff_t offset = 0;
-    std::memcpy(&offset, &member, sizeof offset);
-    return int(offset / std::ptrdiff_t(sizeof(void*)));
-}
-
-class OpenObject : public QObject
-{
-public:
-    static int lastSlot() { return slotOf(&OpenObject::disconnectNotify); }
-};
-
 class OtherCanvas : public MapCanvas
 {
 public:
@@ -178,7 +163,7 @@ private slots:
 
 void MapPrintingTest::theOperationStandsRightBehindThoseOfQObject()
 {
-    QCOMPARE(slotOf(&MapCanvas::print), OpenObject::lastSlot() + 1);
+    QCOMPARE(slotOf(&MapCanvas::print), lastSlotOfQObject() + 1);
 }
 
 void MapPrintingTest::aCanvasOfTheProgramsOwnPrintsInItsOwnWay()

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QtTest>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <type_traits>
@@ -28,10 +29,14 @@ public:
     using ITileRequest::cancelled;
     using ITileRequest::height;
     using ITileRequest::image;
+    using ITileRequest::key;
     using ITileRequest::layer;
+    using ITileRequest::level;
     using ITileRequest::tlx;
     using ITileRequest::tly;
     using ITileRequest::width;
+    using ITileRequest::x;
+    using ITileRequest::y;
 
     std::function<bool()> work = [] { return true; };
 };
@@ -67,6 +72,7 @@ class ITileRequestTest : public QObject
     Q_OBJECT
 private slots:
     void startsUncancelledWithoutAnImage();
+    void membersStandInOrder();
     void leavesItsDeletionToThePool();
     void cancelSetsTheFlagAndNothingElse();
     void aTileThatWasMadeIsReady();
@@ -99,6 +105,16 @@ void ITileRequestTest::startsUncancelledWithoutAnImage()
     QCOMPARE(request.brx, 3.0);
     QCOMPARE(request.bry, 4.0);
     QCOMPARE(request.layer, &layer);
+}
+
+void ITileRequestTest::membersStandInOrder()
+{
+    const StepRequest request(nullptr);
+    const QVector<const void*> members = {
+        &request.tlx,   &request.tly,    &request.brx,      &request.bry, &request.key,
+        &request.image, &request.layer,  &request.level,    &request.x,   &request.y,
+        &request.width, &request.height, &request.cancelled};
+    QVERIFY(std::is_sorted(members.begin(), members.end(), std::less<const void*>()));
 }
 
 void ITileRequestTest::leavesItsDeletionToThePool()
