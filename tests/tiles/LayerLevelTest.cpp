@@ -4,14 +4,17 @@
 
 #include <QtTest>
 
+#include <atomic>
 #include <cmath>
 #include <limits>
+#include <thread>
 
 using namespace Corvane;
 using namespace Corvane::Map;
 
 namespace {
 
+constexpr int patience = 30000; // milliseconds
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 QString tileAt(LayerLevel& level, double x, double y)
@@ -53,6 +56,69 @@ QImage canvas(int width, int height)
     QImage image(width, height, QImage::Format_ARGB32);
     image.fill(Qt::white);
     return image;
+}
+
+/// Operations of a level, by name, that touch no more of it than they must.
+void operate(LayerLevel& level, const QString& operation)
+{
+    if (operation == "setView") {
+        level.setView(15.0, 16.0, 1.0, 0.0); // reversed: no tile is looked for
+    } else if (operation == "paint") {
+        QImage image = canvas(16, 16);
+        QRectF world(15.0, 16.0, -14.0, -16.0);
+        QRect device(0, 0, 16, 16);
+        GeoPainter painter(&image, world, device);
+        level.paint(painter, &world, &device);
+    } else if (operation == "getTile") {
+        level.getTile(0, 0);
+    } else if (operation == "addTile") {
+        addTile(level, level.getTileKey(0, 0), nullptr);
+    } else if (operation == "purgeTiles") {
+        level.purgeTiles(0.0, 16.0, 16.0, 0.0);
+    } else if (operation == "purgeAll") {
+        level.purgeAll();
+    }
+}
+
+/// A thread that operates on the level while somebody else holds its lock.
+class Operation
+{
+public:
+    Operation(LayerLevel& level, const QString& name)
+        : thread([this, &level, name] {
+              begun = true;
+              operate(level, name);
+              ended = true;
+          })
+    {
+    }
+    ~Operation() { thread.join(); }
+
+    bool hasBegun() const
+    {
+        return QTest::qWaitFor([this] { return begun.load(); }, patience);
+    }
+    bool hasEnded() const
+    {
+        return QTest::qWaitFor([this] { return ended.load(); }, patience);
+    }
+
+    std::atomic<bool> begun{false};
+    std::atomic<bool> ended{false};
+
+private:
+    std::thread thread; // the last: it uses the two above
+};
+
+void operations()
+{
+    QTest::addColumn<bool>("writes");
+    QTest::newRow("setView") << false;
+    QTest::newRow("paint") << false;
+    QTest::newRow("getTile") << true;
+    QTest::newRow("addTile") << true;
+    QTest::newRow("purgeTiles") << true;
+    QTest::newRow("purgeAll") << true;
 }
 
 QImage painted(LayerLevel& level, const QSize& size, QRectF world, QRect device)
@@ -121,6 +187,12 @@ private slots:
     void paintsNothingForAReversedView();
     void paintingRequestsNothing();
     void drawsNoOutlines();
+
+    void everyOperationWaitsForAWriter_data();
+    void everyOperationWaitsForAWriter();
+    void onlyWhatReadsPassesAReader_data();
+    void onlyWhatReadsPassesAReader();
+    void theLockIsFreeWhileTheLayerIsAsked();
 };
 
 void LayerLevelTest::init()
@@ -800,6 +872,103 @@ void LayerLevelTest::drawsNoOutlines()
 
     QCOMPARE(painted(level, QSize(64, 64), QRectF(0.0, 16.0, 16.0, -16.0), QRect(0, 0, 64, 64)),
              canvas(64, 64));
+}
+
+void LayerLevelTest::everyOperationWaitsForAWriter_data()
+{
+    operations();
+}
+
+void LayerLevelTest::everyOperationWaitsForAWriter()
+{
+    const TileLines lines;
+    SmallLayer layer;
+    LayerLevel level(&layer, 0, 8);
+    level.lockForWrite();
+    bool waited = false;
+    {
+        const Operation operation(level, QTest::currentDataTag());
+        waited = operation.hasBegun();
+        letOthersRun();
+        waited = waited && !operation.ended;
+        level.unlock();
+    }
+    QVERIFY(waited);
+    QVERIFY(level.tryLockForWrite()); // it was given back
+    level.unlock();
+}
+
+void LayerLevelTest::onlyWhatReadsPassesAReader_data()
+{
+    operations();
+}
+
+void LayerLevelTest::onlyWhatReadsPassesAReader()
+{
+    QFETCH(const bool, writes);
+    const TileLines lines;
+    SmallLayer layer;
+    LayerLevel level(&layer, 0, 8);
+    level.lockForRead();
+    const Operation operation(level, QTest::currentDataTag());
+    const bool begun = operation.hasBegun();
+    letOthersRun();
+    const bool waited = writes ? !operation.ended : !operation.hasEnded();
+    level.unlock();
+    QVERIFY(begun);
+    QCOMPARE(waited, writes);
+}
+
+// The lock is given back before the layer is called: it may do with the level what it likes.
+void LayerLevelTest::theLockIsFreeWhileTheLayerIsAsked()
+{
+    class TryingLayer : public SmallLayer
+    {
+    public:
+        QString getTileUrl(unsigned int, unsigned int, unsigned int, unsigned int, unsigned int,
+                           double, double, double, double) override
+        {
+            tryLock("url");
+            return QString();
+        }
+        ITileRequest* createTileRequest(const QString&, const QString&, unsigned int, unsigned int,
+                                        unsigned int, double, double, double, double) override
+        {
+            tryLock("create");
+            return nullptr;
+        }
+        QRectF getBounds() override
+        {
+            tryLock("bounds");
+            return SmallLayer::getBounds();
+        }
+        LayerLevel* level = nullptr;
+        QStringList tries;
+
+    private:
+        void tryLock(const QString& question)
+        {
+            if (level) {
+                const bool isFree = level->tryLockForWrite();
+                tries << question + (isFree ? " free" : " held");
+                if (isFree) {
+                    level->unlock();
+                }
+            }
+        }
+    };
+    TryingLayer layer;
+    LayerLevel level(&layer, 0, 8);
+    layer.level = &level;
+
+    level.setView(1.0, 15.0, 2.0, 14.0);
+    level.purgeTiles(1.0, 15.0, 2.0, 14.0);
+    painted(level, QSize(16, 16), QRectF(0.0, 16.0, 16.0, -16.0), QRect(0, 0, 16, 16));
+
+    QCOMPARE(layer.tries.filter("url").size(), 1);
+    QCOMPARE(layer.tries.filter("create").size(), 1);
+    QVERIFY(layer.tries.filter("bounds").size() >= 3);
+    QCOMPARE(layer.tries.filter("held"), QStringList());
 }
 
 QTEST_GUILESS_MAIN(LayerLevelTest)

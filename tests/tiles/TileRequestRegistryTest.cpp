@@ -8,15 +8,26 @@
 #include <QtTest>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <thread>
 
 using namespace Corvane;
 using namespace Corvane::Map;
 
+// The door to the lock. An explicit instantiation may name private members.
+template <QReadWriteLock TileRequestRegistry::*member>
+struct LockDoor
+{
+    friend QReadWriteLock& registryLock() { return TileRequestRegistry::instance().*member; }
+};
+QReadWriteLock& registryLock();
+template struct LockDoor<&TileRequestRegistry::lock>;
+
 namespace {
 
 constexpr int poolThreads = 8;
+constexpr int patience = 30000; // milliseconds
 
 TileRequestRegistry& registry()
 {
@@ -91,6 +102,8 @@ private:
     std::atomic<bool> cancelReturned{false};
 };
 
+using RegistryOperation = std::function<void(LoggingLayer&)>;
+
 /// Occupies every thread of the pool until it is opened or destroyed.
 class FullPool
 {
@@ -118,6 +131,8 @@ private:
 
 } // namespace
 
+Q_DECLARE_METATYPE(RegistryOperation)
+
 class TileRequestRegistryTest : public QObject
 {
     Q_OBJECT
@@ -136,6 +151,9 @@ private slots:
     void removeLeavesTheKeyOfAnotherRequest();
     void cancelOutsideCancelsNothing();
     void requestsAreQueuedAndCancelledFromManyThreads();
+    void everyOperationWaitsForWhoeverHoldsTheLock_data();
+    void everyOperationWaitsForWhoeverHoldsTheLock();
+    void aCancelMayUseTheRegistry();
 };
 
 void TileRequestRegistryTest::limitsThePoolToEightThreads()
@@ -371,6 +389,75 @@ void TileRequestRegistryTest::requestsAreQueuedAndCancelledFromManyThreads()
 
     QCOMPARE(static_cast<int>(layer.log.all().filter(QStringLiteral("delete ")).size()),
              queueing * each);
+}
+
+void TileRequestRegistryTest::everyOperationWaitsForWhoeverHoldsTheLock_data()
+{
+    QTest::addColumn<RegistryOperation>("operate");
+    QTest::newRow("queue") << RegistryOperation([](LoggingLayer& layer) {
+        registry().queue(new LoggingRequest(&layer, QStringLiteral("a")));
+    });
+    QTest::newRow("remove") << RegistryOperation(
+        [](LoggingLayer&) { registry().remove(QStringLiteral("a"), nullptr); });
+    QTest::newRow("cancelAll") << RegistryOperation([](LoggingLayer&) { registry().cancelAll(); });
+}
+
+// All of them write: they wait for a reader, too.
+void TileRequestRegistryTest::everyOperationWaitsForWhoeverHoldsTheLock()
+{
+    QFETCH(const RegistryOperation, operate);
+    LoggingLayer layer;
+    std::atomic<bool> begun{false};
+    std::atomic<bool> ended{false};
+    registryLock().lockForRead();
+    std::thread thread([&] {
+        begun = true;
+        operate(layer);
+        ended = true;
+    });
+    const bool started = QTest::qWaitFor([&begun] { return begun.load(); }, patience);
+    letOthersRun();
+    const bool waited = !ended;
+    registryLock().unlock();
+    thread.join();
+    waitForRequests();
+
+    QVERIFY(started && waited);
+    QVERIFY(registryLock().tryLockForWrite()); // it was given back
+    registryLock().unlock();
+}
+
+// The lock is given back before a request is called: it is not recursive.
+void TileRequestRegistryTest::aCancelMayUseTheRegistry()
+{
+    class Successor : public LoggingRequest
+    {
+    public:
+        Successor(LoggingLayer* loggingLayer, Gate* whileRunning)
+            : LoggingRequest(loggingLayer, QStringLiteral("first"), whileRunning),
+              next(loggingLayer)
+        {
+        }
+        void cancel() override
+        {
+            LoggingRequest::cancel();
+            registry().queue(new LoggingRequest(next, QStringLiteral("second")));
+        }
+
+    private:
+        LoggingLayer* next;
+    };
+    LoggingLayer layer;
+    Gate gate;
+    registry().queue(new Successor(&layer, &gate));
+    gate.waitForArrivals(1);
+
+    registry().cancelAll();
+    gate.open();
+    waitForRequests();
+
+    QCOMPARE(layer.log.sorted(), QStringList({"delete first", "delete second", "ready second",
+                                              "run first", "run second"}));
 }
 
 QTEST_GUILESS_MAIN(TileRequestRegistryTest)
