@@ -102,6 +102,7 @@ private slots:
     void drawsABoxAroundEachLayerInItsScaleRange();
     void drawsABoxAroundTheMap();
     void theBoxesLieBetweenTheStackAndTheOverlay();
+    void theBoxesAreFilledWithThePaintersBrush();
     void leavesThePainterAsItWas();
 
     void handsItsReferenceToAllLayers();
@@ -877,6 +878,30 @@ void MapCanvasTest::theBoxesLieBetweenTheStackAndTheOverlay()
     painter.end();
     QCOMPARE(frame, expected);
     canvas.getOverlayLayers().clear();
+}
+
+void MapCanvasTest::theBoxesAreFilledWithThePaintersBrush()
+{
+    MapCanvas canvas(nullptr);
+    auto* layer = new TestLayer; // paints nothing
+    layer->bounds = world(10.0, 89.0, 50.0, 49.0);
+    canvas.addLayer(layer);
+    const auto frameWith = [&canvas](bool layerBox, bool mapBox) {
+        canvas.setDrawLayerBBox(layerBox);
+        canvas.setDrawMapBBox(mapBox);
+        QImage frame(100, 100, QImage::Format_RGB32);
+        frame.fill(Qt::white);
+        QRectF worldRect = world(0.0, 99.0, 99.0, 0.0);
+        QRect device(0, 0, 100, 100);
+        GeoPainter painter(&frame, worldRect, device);
+        painter.setBrush(Qt::yellow);
+        canvas.paint(painter, &worldRect, &device);
+        return frame;
+    };
+
+    QCOMPARE(frameWith(true, false).pixelColor(30, 30), QColor(Qt::yellow));
+    QCOMPARE(frameWith(false, true).pixelColor(30, 30), QColor(Qt::yellow));
+    QCOMPARE(frameWith(false, false).pixelColor(30, 30), QColor(Qt::white));
 }
 
 void MapCanvasTest::leavesThePainterAsItWas()

@@ -790,12 +790,14 @@ void MapViewCommandsTest::theContextMenuHasItsEntries()
 
 void MapViewCommandsTest::theViewTakesTheContextMenuWithIt()
 {
-    QPointer<QMenu> menu = new QMenu;
+    QStringList gone;
     {
         OpenView view;
-        view.contextMenu = menu;
+        view.contextMenu = new QMenu;
+        connect(view.contextMenu, &QObject::destroyed, [&gone] { gone << "menu"; });
+        connect(view.getMapCanvas(), &QObject::destroyed, [&gone] { gone << "canvas"; });
     }
-    QVERIFY(!menu);
+    QCOMPARE(gone, QStringList({"menu", "canvas"}));
 }
 
 MAP_TEST_MAIN(MapViewCommandsTest)

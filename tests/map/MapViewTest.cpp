@@ -96,6 +96,7 @@ private slots:
     void aSettingThatIsNoColourGivesAnInvalidColour_data();
     void aSettingThatIsNoColourGivesAnInvalidColour();
     void readsItsSettingsOnlyOnce();
+    void isAnimatedUnlessTheSettingsForbidIt();
     void storesPlainValues();
     void theAnimationTakesAFifthOfASecondAndStartsSlowly();
 
@@ -321,6 +322,14 @@ void MapViewTest::readsItsSettingsOnlyOnce()
 
     QCOMPARE(view.getBackgroundColor(), QColor(255, 255, 255, 255));
     QCOMPARE(view.getDrawCrosshair(), false);
+}
+
+void MapViewTest::isAnimatedUnlessTheSettingsForbidIt()
+{
+    QVERIFY(!settings().contains("Gui/MapView/UseAnimation"));
+    MapView view;
+    view.onMapAction(MapView::MapZoomIn);
+    QCOMPARE(animationOf(view).state(), QAbstractAnimation::Running);
 }
 
 void MapViewTest::storesPlainValues()

@@ -127,6 +127,7 @@ private slots:
     void detachTakesTheClientOutOfItsGeolink();
     void clientsAreCalledInTheOrderOfAttachment();
     void aClientMayDetachWhileItIsCalled();
+    void theExtentsAreReadAfreshForEachClient();
     void theBracketSaysWhetherItZooms_data();
     void theBracketSaysWhetherItZooms();
 
@@ -619,6 +620,35 @@ void ViewManagerTest::aClientMayDetachWhileItIsCalled()
     QCOMPARE(leaver.log, QStringList({QStringLiteral("geolink(0)")}));
     manager.fireExtentChange();
     QCOMPARE(leaver.log, QStringList({QStringLiteral("geolink(0)")}));
+}
+
+void ViewManagerTest::theExtentsAreReadAfreshForEachClient()
+{
+    class Mover : public RecordingClient
+    {
+    public:
+        void onExtentChange(double, double, double, double, bool) override
+        {
+            if (manager) {
+                manager->setWorldExtents(1.0, 11.0, 11.0, 1.0, false);
+            }
+        }
+        ViewManager* manager = nullptr;
+    };
+    RecordingClient first;
+    Mover mover;
+    RecordingClient last;
+    ViewManager manager(&first);
+    manager.attach(&mover);
+    manager.attach(&last);
+    mover.manager = &manager;
+    first.log.clear();
+    last.log.clear();
+
+    manager.fireExtentChange();
+
+    QCOMPARE(first.log, QStringList({startLine}));
+    QCOMPARE(last.log, QStringList({QStringLiteral("extent(1 11 11 1)")}));
 }
 
 void ViewManagerTest::theBracketSaysWhetherItZooms_data()
