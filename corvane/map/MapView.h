@@ -150,17 +150,17 @@ public:
     void setDocumentName(QString name);
     /// Not owned; null without one or once it is gone.
     Layer* getLayerSelection();
-    /// Whether the selected layer is framed.
+    /// Whether the bounds of the selected layer are hatched over.
     bool getShowLayerSelection();
-    /// Whether the selected layer is framed.
+    /// A plain store: who sets it asks for a repaint.
     void setShowLayerSelection(bool show);
-    /// Whether the painter smooths edges and pictures.
+    /// As it was set.
     bool getHighQualityRendering();
-    /// Whether the painter smooths edges and pictures.
+    /// Stored and offered; painting takes no notice.
     void setHighQualityRendering(bool highQuality);
-    /// Whether lines cross at the pointer.
+    /// Whether a crosshair lies on the place of the press in the mode Zoom.
     bool getDrawCrosshair();
-    /// Whether lines cross at the pointer.
+    /// A plain store: who sets it asks for a repaint.
     void setDrawCrosshair(bool draw);
     /// The extents; the height is negative in a north-up map.
     QRectF getBounds();
@@ -193,7 +193,7 @@ public slots:
     void onMapAction(MapControl action);
 
 protected:
-    /// Takes gestures.
+    /// Leaves every event to QWidget: gestures of touch are not taken.
     bool event(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
