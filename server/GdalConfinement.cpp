@@ -1,7 +1,9 @@
 #include <server/GdalConfinement.h>
 
 #include <server/FolderGate.h>
+#include <server/GateFile.h>
 #include <server/GdalLimits.h>
+#include <server/ProjConfinement.h>
 
 #include <plugins/raster/GdalSupport.h>
 
@@ -17,7 +19,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -40,13 +41,6 @@ bool isAmong(const char* name, const char* const (&allowed)[count])
     return std::any_of(std::begin(allowed), std::end(allowed),
                        [name](const char* one) { return std::strcmp(name, one) == 0; });
 }
-
-struct OpenFile
-{
-    int handle = -1;
-    vsi_l_offset position = 0;
-    bool atEnd = false;
-};
 
 // Null stands for a file system that holds nothing.
 std::shared_ptr<const FolderGate>& passage()
@@ -71,61 +65,34 @@ int statFile(void* hasFiles, const char* name, VSIStatBufL* result, int)
 void* openFile(void* hasFiles, const char* name, const char* access)
 {
     const bool reads = access[0] == 'r' && !std::strchr(access, '+');
-    const int handle = hasFiles && reads ? passage()->open(name) : -1;
-    return handle < 0 ? nullptr : new OpenFile{handle}; // closeFile deletes it
+    return hasFiles && reads ? GateFile::open(*passage(), name).release() // closeFile deletes it
+                             : nullptr;
 }
 
 vsi_l_offset tellFile(void* file)
 {
-    return static_cast<OpenFile*>(file)->position;
+    return static_cast<GateFile*>(file)->position();
 }
 
-int seekFile(void* handle, vsi_l_offset offset, int from)
+int seekFile(void* file, vsi_l_offset offset, int from)
 {
-    auto* const file = static_cast<OpenFile*>(handle);
-    vsi_l_offset base = 0;
-    if (from == SEEK_CUR) {
-        base = file->position;
-    } else if (from == SEEK_END) {
-        struct stat found = {};
-        if (::fstat(file->handle, &found) != 0) {
-            return -1;
-        }
-        base = static_cast<vsi_l_offset>(found.st_size);
-    }
-    file->position = base + offset;
-    file->atEnd = false;
-    return 0;
+    return static_cast<GateFile*>(file)->seek(offset, from) ? 0 : -1;
 }
 
-std::size_t readFile(void* handle, void* buffer, std::size_t size, std::size_t count)
+std::size_t readFile(void* file, void* buffer, std::size_t size, std::size_t count)
 {
-    auto* const file = static_cast<OpenFile*>(handle);
-    const std::size_t wanted = size * count;
-    std::size_t done = 0;
-    while (done < wanted) {
-        const ssize_t got = ::pread(file->handle, static_cast<char*>(buffer) + done, wanted - done,
-                                    static_cast<off_t>(file->position + done));
-        if (got <= 0) {
-            file->atEnd = true;
-            break;
-        }
-        done += static_cast<std::size_t>(got);
-    }
-    file->position += done;
+    const std::size_t done = static_cast<GateFile*>(file)->read(buffer, size * count);
     return size > 0 ? done / size : 0;
 }
 
 int isAtEnd(void* file)
 {
-    return static_cast<OpenFile*>(file)->atEnd ? 1 : 0;
+    return static_cast<GateFile*>(file)->isAtEnd() ? 1 : 0;
 }
 
-int closeFile(void* handle)
+int closeFile(void* file)
 {
-    auto* const file = static_cast<OpenFile*>(handle);
-    ::close(file->handle);
-    delete file;
+    delete static_cast<GateFile*>(file);
     return 0;
 }
 
@@ -187,6 +154,7 @@ void confineGdal(std::shared_ptr<const FolderGate> gate)
     CPLSetConfigOption("GDAL_DRIVER_PATH", "disable"); // no formats from elsewhere
     CPLSetConfigOption("GDAL_VRT_ENABLE_PYTHON", "NO");
     CPLSetConfigOption("CPL_TMPDIR", "/vsimem/");
+    confineProj();
     Map::setUpGdal();
     OSRSetPROJEnableNetwork(0);
     CPLHTTPSetFetchCallback(&fetchNothing, nullptr);

@@ -9,9 +9,11 @@
 #include <QtTest>
 
 #include <cpl_conv.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <memory>
 
 using namespace Corvane::Tests;
@@ -31,6 +33,44 @@ QByteArray virtualRaster(const QByteArray& source, bool relative)
            R"(<SimpleSource><SourceFilename relativeToVRT=")" +
            QByteArray(relative ? "1" : "0") + "\">" + source +
            R"(</SourceFilename><SourceBand>1</SourceBand></SimpleSource></VRTRasterBand></VRTDataset>)";
+}
+
+// open.tif, put into the reference of latitude and longitude.
+QByteArray warpedRaster(const QByteArray& source, const QByteArray& target,
+                        const QByteArray& operation)
+{
+    return "<VRTDataset rasterXSize=\"64\" rasterYSize=\"64\" subClass=\"VRTWarpedDataset\">"
+           "<GeoTransform>10,0.015625,0,50,0,-0.015625</GeoTransform>"
+           "<VRTRasterBand dataType=\"Byte\" band=\"1\" subClass=\"VRTWarpedRasterBand\"/>"
+           "<BlockXSize>64</BlockXSize><BlockYSize>64</BlockYSize><GDALWarpOptions>"
+           "<WarpMemoryLimit>6.71089e+07</WarpMemoryLimit>"
+           "<ResampleAlg>NearestNeighbour</ResampleAlg><WorkingDataType>Byte</WorkingDataType>"
+           "<SourceDataset relativeToVRT=\"1\">open.tif</SourceDataset><Transformer>"
+           "<GenImgProjTransformer><SrcGeoTransform>10,0.015625,0,50,0,-0.015625</SrcGeoTransform>"
+           "<SrcInvGeoTransform>-640,64,0,3200,0,-64</SrcInvGeoTransform>"
+           "<ReprojectTransformer><ReprojectionTransformer><SourceSRS>" +
+           source + "</SourceSRS><TargetSRS>" + target + "</TargetSRS>" + operation +
+           "</ReprojectionTransformer></ReprojectTransformer>"
+           "<DstGeoTransform>10,0.015625,0,50,0,-0.015625</DstGeoTransform>"
+           "<DstInvGeoTransform>-640,64,0,3200,0,-64</DstInvGeoTransform>"
+           "</GenImgProjTransformer></Transformer><BandList><BandMapping src=\"1\" dst=\"1\"/>"
+           "</BandList></GDALWarpOptions></VRTDataset>";
+}
+
+QByteArray escaped(QByteArray text)
+{
+    return text.replace('&', "&amp;").replace('<', "&lt;").replace('"', "&quot;");
+}
+
+// Whether somebody reads from the pipe, or waits for what comes.
+bool isOpened(const QString& pipe)
+{
+    const int handle = ::open(pipe.toUtf8().constData(), O_WRONLY | O_NONBLOCK);
+    const bool nobody = handle < 0 && errno == ENXIO;
+    if (handle >= 0) {
+        ::close(handle);
+    }
+    return !nobody;
 }
 
 RasterRecipe small(double value)
@@ -64,6 +104,9 @@ private slots:
     void metadataThatNamesOverviewsElsewhereIsNotFollowed();
     void filesThatAskServersAreLeftOut();
     void coordinateSystemsThatAreUrlsAreNotAskedFor();
+    void gridsOfCoordinateSystemsAreNotOpened_data();
+    void gridsOfCoordinateSystemsAreNotOpened();
+    void gridsThatComeWithProjAreUsed();
     void errorsDoNotTellClientsWhereTheFolderLies();
     void aFileCannotForgeALineOfTheLog();
     void aPipeDoesNotHoldTheServer();
@@ -319,6 +362,86 @@ void ImageConfinementTest::coordinateSystemsThatAreUrlsAreNotAskedFor()
     server.ask("/tiles/warped.vrt/0/0/0.png");
     QVERIFY(!network.waitForNewConnection(0));
     QCOMPARE(server.log().count("left out /warped.vrt: "), 1); // it came as far as to the URL
+}
+
+void ImageConfinementTest::gridsOfCoordinateSystemsAreNotOpened_data()
+{
+    const QByteArray bound =
+        R"(BOUNDCRS[SOURCECRS[GEOGCRS["a",DATUM["a",ELLIPSOID["Bessel 1841",6377397.155,)"
+        R"(299.1528128]],CS[ellipsoidal,2],AXIS["longitude",east],AXIS["latitude",north],)"
+        R"(ANGLEUNIT["degree",0.0174532925199433]]],TARGETCRS[GEOGCRS["WGS 84",DATUM["World )"
+        R"(Geodetic System 1984",ELLIPSOID["WGS 84",6378137,298.257223563]],CS[ellipsoidal,2],)"
+        R"(AXIS["latitude",north],AXIS["longitude",east],ANGLEUNIT["degree",0.0174532925199433],)"
+        R"(ID["EPSG",4326]]],ABRIDGEDTRANSFORMATION["a",METHOD["NTv2",ID["EPSG",9615]],)"
+        R"(PARAMETERFILE["Latitude and longitude difference file","{pipe}"]]])";
+    const QByteArray extension =
+        R"(GEOGCS["a",DATUM["a",SPHEROID["Bessel 1841",6377397.155,299.1528128],)"
+        R"(EXTENSION["PROJ4_GRIDS","{pipe}"]],PRIMEM["Greenwich",0],)"
+        R"(UNIT["degree",0.0174532925199433]])";
+    const QByteArray heights =
+        R"(COMPD_CS["a",GEOGCS["WGS 84",DATUM["WGS_1984",SPHEROID["WGS 84",6378137,)"
+        R"(298.257223563]],PRIMEM["Greenwich",0],UNIT["degree",0.0174532925199433]],)"
+        R"(VERT_CS["b",VERT_DATUM["b",2005,EXTENSION["PROJ4_GRIDS","{pipe}"]],UNIT["metre",1]]])";
+    const QByteArray datum("+proj=longlat +ellps=bessel +nadgrids={pipe} +no_defs");
+    const QByteArray pipeline("+proj=pipeline +step +proj=unitconvert +xy_in=deg +xy_out=rad +step "
+                              "+proj=hgridshift +grids={pipe} +step +proj=unitconvert +xy_in=rad "
+                              "+xy_out=deg");
+    const QByteArray wgs("EPSG:4326");
+    const auto option = [](const QByteArray& text) {
+        return "<Options><Option key=\"COORDINATE_OPERATION\">" + escaped(text) +
+               "</Option></Options>";
+    };
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<QByteArray>("target");
+    QTest::addColumn<QByteArray>("operation");
+    QTest::newRow("of a datum") << datum << wgs << QByteArray();
+    QTest::newRow("of the other side's datum") << wgs << datum << QByteArray();
+    QTest::newRow("in letters as numbers")
+        << QByteArray(datum).replace("nadgrids", "nad&#x67;rids") << wgs << QByteArray();
+    QTest::newRow("in raw text") << "<![CDATA[" + datum + "]]>" << wgs << QByteArray();
+    QTest::newRow("of heights")
+        << QByteArray("+proj=longlat +datum=WGS84 +geoidgrids={pipe} +vunits=m +no_defs")
+        << QByteArray("EPSG:4979") << QByteArray();
+    QTest::newRow("of heights, in well-known text")
+        << escaped(heights) << QByteArray("EPSG:4979") << QByteArray();
+    QTest::newRow("in an extension of well-known text")
+        << escaped(extension) << wgs << QByteArray();
+    QTest::newRow("in the second kind of well-known text") << escaped(bound) << wgs << QByteArray();
+    QTest::newRow("in a list of systems") << QByteArray("+init={pipe}:1") << wgs << QByteArray();
+    QTest::newRow("in steps") << wgs << wgs << option(pipeline);
+    QTest::newRow("of heights, in steps")
+        << wgs << wgs << option("+proj=vgridshift +grids={pipe} +multiplier=1");
+    QTest::newRow("in a list of steps") << wgs << wgs << option("+init={pipe}:1");
+    QTest::newRow("of a model of movements")
+        << wgs << wgs << option("+proj=defmodel +model={pipe}");
+    QTest::newRow("of triangles") << wgs << wgs << option("+proj=tinshift +file={pipe}");
+}
+
+// Those that PROJ opens by itself, for which a pipe is the worst that can be.
+void ImageConfinementTest::gridsOfCoordinateSystemsAreNotOpened()
+{
+    QFETCH(QByteArray, source);
+    QFETCH(QByteArray, target);
+    QFETCH(QByteArray, operation);
+    for (const QString& pipe : {inside("grid"), outside("grid")}) {
+        QCOMPARE(::mkfifo(pipe.toUtf8().constData(), 0600), 0);
+        const QByteArray text = warpedRaster(source, target, operation);
+        write(inside("warped.vrt"), QByteArray(text).replace("{pipe}", pipe.toUtf8()));
+        ServerProcess server(base->filePath("public"));
+        QVERIFY(server.isRunning());
+        server.ask("/tiles/warped.vrt/0/0/0.png");
+        QVERIFY(!isOpened(pipe));
+        QCOMPARE(server.stop(), 0);
+    }
+}
+
+void ImageConfinementTest::gridsThatComeWithProjAreUsed()
+{
+    const QByteArray system("+proj=longlat +ellps=bessel +nadgrids=BETA2007.gsb +no_defs");
+    write(inside("warped.vrt"), warpedRaster(system, "EPSG:4326", QByteArray()));
+    ServerProcess server(base->filePath("public"));
+    QCOMPARE(server.log(), QString());
+    QCOMPARE(qRed(tile(server, "/warped.vrt").pixel(32, 32)), 100);
 }
 
 void ImageConfinementTest::errorsDoNotTellClientsWhereTheFolderLies()
