@@ -8,8 +8,10 @@ namespace Corvane::Map {
 /// hold none, and whoever opens a second image of a server is not asked again. GUI thread only.
 namespace ServerLogins {
 
-/// Those for the server, and for the user where one is named; empty where none are known.
+/// Those of the user on the server, and of the one who was accepted last where none is named; empty
+/// where none are known.
 ServerCredentials find(const QString& serverName, const QString& user);
+/// Takes the place of what was known of the same user on the same server.
 void remember(const QString& serverName, const ServerCredentials& credentials);
 void forgetAll();
 

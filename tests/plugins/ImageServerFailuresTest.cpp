@@ -9,6 +9,8 @@
 #include <plugins/imageserver/ServerLogins.h>
 
 #include <QBuffer>
+#include <QDir>
+#include <QDomDocument>
 #include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -114,6 +116,15 @@ public:
     QString source() const { return url("/a.tif"); }
 };
 
+// On a server thread.
+HttpReply gridForTwoUsers(const HttpRequest& request)
+{
+    const QByteArray given = request.header("Authorization");
+    const bool isKnown = given == "Basic " + QByteArray("ann:one").toBase64() ||
+                         given == "Basic " + QByteArray("bob:two").toBase64();
+    return isKnown ? FakeServer::gridReply() : HttpReply::withStatus(401, QByteArray());
+}
+
 } // namespace
 
 /// A server that fails, stalls and lies: what is shown stays right, and the layer goes at any time.
@@ -132,6 +143,8 @@ private slots:
     void tilesOnDiskAreNotAskedForAgain();
     void aTileOfTheWrongSizeIsNotKept();
     void credentialsGoWithEveryRequest();
+    void twoUsersOfOneServerOpenAgain();
+    void whoNamesNobodyIsTheUserOfLast();
     void credentialsDoNotFollowToAnotherServer_data();
     void credentialsDoNotFollowToAnotherServer();
     void aTransferEndsWhenTheLayerGoes();
@@ -303,6 +316,49 @@ void ImageServerFailuresTest::credentialsGoWithEveryRequest()
         QCOMPARE(request.header("Authorization"), expected);
         QCOMPARE(request.header("User-Agent"), QByteArray("Corvane/1.0"));
         QVERIFY(request.target.find("secret") == std::string::npos);
+    }
+}
+
+// As in a document with layers of both, of which it holds the users alone.
+void ImageServerFailuresTest::twoUsersOfOneServerOpenAgain()
+{
+    FakeServer server;
+    server.on("/tiles/a.tif", &gridForTwoUsers);
+    QDir folder;
+    for (const char* const login : {"|ann|one", "|bob|two", "|ann|one"}) {
+        ImageServerLayer layer;
+        layer.setProgressive(false);
+        QVERIFY(layer.setDataSource(server.source() + login));
+    }
+    for (const char* const user : {"ann", "bob", "ann"}) {
+        QDomDocument document;
+        QDomNode node = document.appendChild(document.createElement("layer"));
+        ImageServerLayer original;
+        original.setProgressive(false);
+        original.setUser(user);
+        QVERIFY(original.setDataSource(server.source()));
+        QVERIFY(original.writeXML(node, document));
+        ImageServerLayer copy;
+        copy.setProgressive(false);
+        QVERIFY(copy.readXML(node, folder, nullptr));
+        QVERIFY2(copy.isValid(), qPrintable(copy.getLastError()));
+        QCOMPARE(copy.getUser(), QString(user));
+    }
+}
+
+void ImageServerFailuresTest::whoNamesNobodyIsTheUserOfLast()
+{
+    FakeServer server;
+    server.on("/tiles/a.tif", &gridForTwoUsers);
+    for (const char* const user : {"ann", "bob", "ann"}) {
+        const QString password = user == QByteArray("ann") ? "one" : "two";
+        ImageServerLayer layer;
+        layer.setProgressive(false);
+        QVERIFY(layer.setDataSource(server.source() + '|' + user + '|' + password));
+        ImageServerLayer nobody;
+        nobody.setProgressive(false);
+        QVERIFY(nobody.setDataSource(server.source()));
+        QCOMPARE(nobody.getUser(), QString(user));
     }
 }
 
