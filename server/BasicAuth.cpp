@@ -9,7 +9,7 @@ namespace {
 const char scheme[] = "basic ";
 
 // Of one length for all texts, so that comparing tells nothing of theirs.
-QByteArray digestOf(const QByteArray& credentials)
+QByteArray hashOf(const QByteArray& credentials)
 {
     return QCryptographicHash::hash(credentials, QCryptographicHash::Sha256);
 }
@@ -17,23 +17,30 @@ QByteArray digestOf(const QByteArray& credentials)
 } // namespace
 
 BasicAuth::BasicAuth(const QByteArray& user, const QByteArray& password)
-    : expected(digestOf(user + ':' + password))
+    : expected(hashOf(user + ':' + password))
 {
 }
 
-bool BasicAuth::admits(const QByteArray& header) const
+QByteArray BasicAuth::digestOf(const QByteArray& header)
+{
+    const int schemeLength = static_cast<int>(sizeof(scheme)) - 1;
+    const bool isBasic = header.left(schemeLength).toLower() == scheme;
+    return isBasic ? hashOf(QByteArray::fromBase64(header.mid(schemeLength).trimmed()))
+                   : QByteArray();
+}
+
+bool BasicAuth::admits(const QByteArray& digest) const
 {
     if (!isNeeded()) {
         return true;
     }
-    const int schemeLength = static_cast<int>(sizeof(scheme)) - 1;
-    const bool isBasic = header.left(schemeLength).toLower() == scheme;
-    const QByteArray given = digestOf(
-        isBasic ? QByteArray::fromBase64(header.mid(schemeLength).trimmed()) : QByteArray());
-    unsigned int difference = isBasic ? 0 : 1;
+    if (digest.size() != expected.size()) {
+        return false;
+    }
+    unsigned int difference = 0;
     for (int i = 0; i < expected.size(); ++i) {
         difference |=
-            static_cast<unsigned char>(given[i]) ^ static_cast<unsigned char>(expected[i]);
+            static_cast<unsigned char>(digest[i]) ^ static_cast<unsigned char>(expected[i]);
     }
     return difference == 0;
 }

@@ -14,9 +14,10 @@ public:
     BasicAuth(const QByteArray& user, const QByteArray& password);
 
     bool isNeeded() const { return !expected.isEmpty(); }
-    /// header is what the client sent as "Authorization". Takes as long for a wrong guess as for a
-    /// close one.
-    bool admits(const QByteArray& header) const;
+    /// What the header "Authorization" names, of one length for all texts; empty where it names nothing.
+    static QByteArray digestOf(const QByteArray& header);
+    /// Takes as long for a wrong guess as for a close one.
+    bool admits(const QByteArray& digest) const;
 
 private:
     QByteArray expected; // a digest of user and password; empty where nobody is asked

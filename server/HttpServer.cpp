@@ -3,6 +3,7 @@
 #include <server/Connections.h>
 #include <server/Exchange.h>
 #include <server/Routes.h>
+#include <server/WrongGuesses.h>
 
 #include <corvane/core/Application.h>
 
@@ -16,6 +17,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <thread>
 
 namespace Corvane::Server {
@@ -48,6 +50,39 @@ Reply unauthorized()
     reply.header("WWW-Authenticate", R"(Basic realm="Corvane image server", charset="UTF-8")")
         .header("Cache-Control", "no-store");
     return reply;
+}
+
+// The same: whether what was tried is right is not told.
+Reply keptOut(std::chrono::seconds wait)
+{
+    Reply reply;
+    reply.status = 429;
+    reply.header("Retry-After", QByteArray::number(static_cast<qlonglong>(wait.count())))
+        .header("Cache-Control", "no-store");
+    return reply;
+}
+
+// What the client gets instead of an answer; nothing where it is let in.
+std::optional<Reply> refusalOf(const httplib::Request& request, const BasicAuth& auth,
+                               WrongGuesses& guesses)
+{
+    if (!auth.isNeeded()) {
+        return std::nullopt;
+    }
+    const QByteArray digest =
+        BasicAuth::digestOf(bytesOf(request.get_header_value("Authorization")));
+    if (digest.isEmpty()) {
+        return unauthorized();
+    }
+    std::chrono::seconds wait{0};
+    switch (guesses.judge(bytesOf(request.remote_addr), digest, auth.admits(digest), &wait)) {
+    case WrongGuesses::Verdict::Right:
+        return std::nullopt;
+    case WrongGuesses::Verdict::TooMany:
+        return keptOut(wait);
+    default:
+        return unauthorized();
+    }
 }
 
 // What may be read of the client before it is answered: a body of a known length that is no longer
@@ -102,6 +137,7 @@ struct HttpServer::Library
 {
     explicit Library(int connections) : server(connections) {}
 
+    WrongGuesses guesses; // outlives the connections
     Connections server;
     std::atomic<bool> isStopping{false};
     std::atomic<bool> hasEnded{false};
@@ -120,14 +156,15 @@ HttpServer::HttpServer(const Routes& routes, const Terms& terms)
     // before the library's own routing, which matches patterns against whatever clients send, and
     // before it reads a body
     server.set_pre_routing_handler(
-        [&routes, auth = terms.auth](const httplib::Request& request, httplib::Response& response) {
+        [&routes, &guesses = library->guesses, auth = terms.auth](const httplib::Request& request,
+                                                                  httplib::Response& response) {
             using Result = httplib::Server::HandlerResponse;
             const bool reads = request.method == "GET" || request.method == "HEAD";
             if (request.method == "HEAD") {
                 response.set_header("Accept-Ranges", "none"); // else the library offers them
             }
-            if (!auth.admits(bytesOf(request.get_header_value("Authorization")))) {
-                send(unauthorized(), QByteArray(), response);
+            if (const std::optional<Reply> refusal = refusalOf(request, auth, guesses)) {
+                send(*refusal, QByteArray(), response);
             } else if (reads) {
                 send(routes.get(Request::of(bytesOf(request.target))),
                      bytesOf(request.get_header_value("If-None-Match")), response);

@@ -1,5 +1,6 @@
 #include <tests/server/ServerProcess.h>
 
+#include <QHostAddress>
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QTcpSocket>
@@ -79,6 +80,9 @@ ServerAnswer ServerProcess::ask(const QByteArray& target, const QList<QByteArray
     }
     request += "Connection: close\r\n\r\n" + body;
     QTcpSocket socket;
+    if (!socket.bind(QHostAddress(source))) {
+        return ServerAnswer();
+    }
     socket.connectToHost(QStringLiteral("127.0.0.1"), static_cast<quint16>(thePort));
     if (!socket.waitForConnected(patience)) {
         return ServerAnswer();

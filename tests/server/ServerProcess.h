@@ -45,6 +45,9 @@ public:
     ServerAnswer ask(const QByteArray& target, const QList<QByteArray>& headers = {},
                      const QByteArray& method = "GET", const QByteArray& body = QByteArray()) const;
 
+    /// Questions come from this address of the loopback from now on.
+    void setSource(const QString& address) { source = address; }
+
     /// Ends it with SIGTERM; the exit code, -1 where it did not end.
     int stop();
     /// The exit code once it has ended by itself; -1 where it does not.
@@ -55,6 +58,7 @@ public:
 private:
     QProcess process;
     QString line;
+    QString source = QStringLiteral("127.0.0.1");
     QByteArray errors;
     int thePort = 0;
 };

@@ -47,6 +47,8 @@ private slots:
     void otherMethodsAreNotAllowed();
     void onlyTheRightCredentialsAreLetIn_data();
     void onlyTheRightCredentialsAreLetIn();
+    void whoGuessesIsKeptOutAndNobodyElse();
+    void whatIsTriedAgainIsNoGuess();
     void thePasswordMayHoldColonsAndOtherScripts();
     void aPasswordIsNotCutShort();
     void requestsAreLoggedWhereAskedForWithoutCredentials();
@@ -313,6 +315,45 @@ void ServerProgramTest::onlyTheRightCredentialsAreLetIn()
     QFETCH(int, status);
     ServerProcess server(folder, {"--user", "ann", "--password-file", passwordFile("secret\r\n")});
     QCOMPARE(server.ask("/tiles/a.tif", {header}).status, status);
+}
+
+void ServerProgramTest::whoGuessesIsKeptOutAndNobodyElse()
+{
+    ServerProcess server(folder, {"--user", "ann", "--password-file", passwordFile("secret")});
+    const QByteArray right = basic("ann:secret");
+    server.setSource("127.0.0.2");
+    for (int i = 0; i < 10; ++i) {
+        const QByteArray guess = basic("ann:guess" + QByteArray::number(i));
+        QCOMPARE(server.ask("/tiles/a.tif", {guess}).status, 401);
+    }
+    for (const QByteArray& next : {basic("ann:another"), basic("ann:guess3"), right}) {
+        const ServerAnswer answer = server.ask("/tiles/a.tif", {next});
+        QCOMPARE(answer.status, 429);
+        QVERIFY(answer.header("Retry-After").toInt() > 0);
+        QVERIFY(answer.header("Retry-After").toInt() <= 300);
+        QCOMPARE(answer.header("Cache-Control"), QByteArray("no-store"));
+        QVERIFY(answer.body.isEmpty());
+    }
+    QCOMPARE(server.ask("/tiles/a.tif").status, 401);
+    server.setSource("127.0.0.3");
+    QCOMPARE(server.ask("/tiles/a.tif", {right}).status, 200);
+    QCOMPARE(server.ask("/tiles/a.tif", {basic("ann:wrong")}).status, 401);
+    const QString log = server.log();
+    QCOMPARE(log.count("127.0.0.2 has tried 10 wrong passwords and is kept out for a while"), 1);
+    QCOMPARE(log.count('\n'), 1);
+}
+
+// A program with an old password asks with it for each tile.
+void ServerProgramTest::whatIsTriedAgainIsNoGuess()
+{
+    ServerProcess server(folder, {"--user", "ann", "--password-file", passwordFile("secret")});
+    for (int i = 0; i < 30; ++i) {
+        QCOMPARE(server.ask("/tiles/a.tif", {basic("ann:old")}).status, 401);
+        QCOMPARE(
+            server.ask("/tiles/a.tif", {"Authorization: Bearer " + QByteArray::number(i)}).status,
+            401);
+    }
+    QCOMPARE(server.ask("/tiles/a.tif", {basic("ann:secret")}).status, 200);
 }
 
 void ServerProgramTest::thePasswordMayHoldColonsAndOtherScripts()
