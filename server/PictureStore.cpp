@@ -2,14 +2,18 @@
 
 namespace Corvane::Server {
 
-PictureStore::PictureStore(int limit) : mostBytes(limit) {}
+PictureStore::PictureStore(int limit, std::chrono::milliseconds longest)
+    : mostBytes(limit),
+      patience(longest)
+{
+}
 
 QByteArray PictureStore::get(const QByteArray& name, const std::function<QByteArray()>& make)
 {
     {
         std::unique_lock<std::mutex> guard(mutex);
         const bool waits = underWay.count(name) > 0;
-        made.wait(guard, [&] { return underWay.count(name) == 0; });
+        made.wait_for(guard, patience, [&] { return underWay.count(name) == 0; });
         const QByteArray known = find(name);
         if (waits || !known.isEmpty()) {
             return known; // who fails makes the others fail: they would queue up behind each other

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <list>
@@ -17,10 +18,11 @@ namespace Corvane::Server {
 class PictureStore
 {
 public:
-    explicit PictureStore(int mostBytes);
+    /// Nobody waits longer than patience for what another makes.
+    PictureStore(int mostBytes, std::chrono::milliseconds patience);
 
     /// The picture of the name; made by make, without a lock, where it is not there. What comes
-    /// empty is not kept; whoever waited for it gets it empty, too.
+    /// empty is not kept; whoever waited for it, or in vain, gets it empty, too.
     QByteArray get(const QByteArray& name, const std::function<QByteArray()>& make);
 
     int bytes() const;
@@ -36,6 +38,7 @@ private:
     void keep(const QByteArray& name, const QByteArray& picture);
 
     const int mostBytes;
+    const std::chrono::milliseconds patience;
     mutable std::mutex mutex; // guards what follows
     std::condition_variable made;
     std::list<Entry> entries; // used last at the front

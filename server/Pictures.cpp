@@ -21,6 +21,7 @@ namespace {
 constexpr int mostOpenImages = 32;
 constexpr int mostStoredBytes = 64 << 20;
 constexpr std::chrono::seconds longestRender(60);
+constexpr std::chrono::seconds renderGrace(5);
 constexpr int pngQuality = 80; // the quickest packing but one
 constexpr int jpegQuality = 90;
 
@@ -53,8 +54,8 @@ QByteArray nameOf(const PublishedImage& image, int level, const QRect& pixels, c
 
 Pictures::Pictures(int atOnce)
     : images(mostOpenImages),
-      store(mostStoredBytes),
-      turns(atOnce, longestRender)
+      store(mostStoredBytes, longestRender + renderGrace),
+      turns(atOnce, longestRender, renderGrace)
 {
 }
 
@@ -91,7 +92,7 @@ QByteArray Pictures::make(const PublishedImage& image, int level, const QRect& p
     *isBusy = false;
     error->clear();
     const QByteArray bytes = store.get(nameOf(image, level, pixels, size, format), [&] {
-        const RenderTurns::Turn turn(turns);
+        const RenderTurns::Turn turn(turns, image.path);
         QImage picture;
         if (turn.isTaken()) {
             const std::shared_ptr<Map::RasterSource> source = images.get(image, error);
@@ -105,6 +106,8 @@ QByteArray Pictures::make(const PublishedImage& image, int level, const QRect& p
         }
         if (turn.isOver()) {
             error->clear();
+        } else if (picture.isNull() && error->isEmpty()) {
+            *error = QStringLiteral("GDAL does not say why");
         }
         if (picture.isNull()) {
             return QByteArray();

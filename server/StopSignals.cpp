@@ -1,5 +1,9 @@
 #include <server/StopSignals.h>
 
+#include <server/ServerOptions.h>
+
+#include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <pthread.h>
 #include <unistd.h>
@@ -10,7 +14,8 @@ namespace Corvane::Server {
 namespace {
 
 constexpr int signalledExit = 128; // and the number of the signal, as shells have it
-constexpr int farewell = SIGUSR1;  // the thread's own end
+constexpr std::chrono::seconds longestStop(5);
+constexpr int farewell = SIGUSR1; // the thread's own end
 
 sigset_t stopSet()
 {
@@ -22,6 +27,24 @@ sigset_t stopSet()
     return set;
 }
 
+int anySignal(const sigset_t& set)
+{
+    int signal = 0;
+    sigwait(&set, &signal);
+    return signal;
+}
+
+// Below 0 where none comes for as long as stopping may take.
+int nextSignal(const sigset_t& set)
+{
+    const timespec longest{longestStop.count(), 0};
+    int signal = 0;
+    do {
+        signal = sigtimedwait(&set, nullptr, &longest);
+    } while (signal < 0 && errno == EINTR);
+    return signal;
+}
+
 // On a thread of its own.
 void wait(const std::function<void()>& stop)
 {
@@ -29,8 +52,10 @@ void wait(const std::function<void()>& stop)
     std::thread stopper;
     bool goesOn = true;
     while (goesOn) {
-        int signal = 0;
-        sigwait(&set, &signal);
+        const int signal = stopper.joinable() ? nextSignal(set) : anySignal(set);
+        if (signal < 0) {
+            _exit(Done); // what does not end is a thread within GDAL; nothing is lost
+        }
         goesOn = signal != farewell;
         if (goesOn && stopper.joinable()) {
             _exit(signalledExit + signal);

@@ -6,7 +6,8 @@
 namespace Corvane::Server {
 
 /// Waits for SIGINT and SIGTERM on a thread of its own. Made before any other thread, which
-/// thereby leave the signals alone. The second signal ends the program at once.
+/// thereby leave the signals alone. The second signal ends the program at once, and so does a stop that
+/// takes longer than five seconds.
 class StopSignals
 {
 public:

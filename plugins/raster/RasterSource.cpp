@@ -74,18 +74,25 @@ RasterSource::RasterSource(QString source, const QString& name, bool overNetwork
     }
 }
 
-StretchRange RasterSource::stretchOf(int band, const RasterHandle& handle)
+std::optional<StretchRange> RasterSource::stretchOf(int band, const RasterHandle& handle,
+                                                    GDALProgressFunc goOn, void* goOnData)
 {
     const auto index = static_cast<std::size_t>(band - 1);
     const BandFacts& bandFacts = theFacts.bands[index];
     if (bandFacts.isPlainByte()) {
-        return {};
+        return StretchRange();
     }
     BandStretch& stretch = *stretches[index];
-    std::call_once(stretch.once, [&] {
+    const std::lock_guard<std::mutex> guard(stretch.mutex);
+    if (!stretch.range) {
         GDALDatasetH sampled = handle.overviews ? handle.overviews.get() : handle.original.get();
-        stretch.range = percentileCut(GDALGetRasterBand(sampled, band), bandFacts);
-    });
+        const StretchRange range =
+            percentileCut(GDALGetRasterBand(sampled, band), bandFacts, goOn, goOnData);
+        if (!goOn(0.0, nullptr, goOnData)) {
+            return std::nullopt; // the next one tries again
+        }
+        stretch.range = range;
+    }
     return stretch.range;
 }
 

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace Corvane::Map {
@@ -32,8 +33,10 @@ public:
     GdalHandlePool::Lease acquire(QString* error) { return handles.acquire(error); }
 
     /// 0 to 255 for a plain byte band, else a cut that leaves out the 2 percent at either end,
-    /// worked out from a sample on the first call, which may take long.
-    StretchRange stretchOf(int band, const RasterHandle& handle);
+    /// worked out from a sample on the first call, which may take long. Nothing where goOn, which GDAL
+    /// asks meanwhile, says no.
+    std::optional<StretchRange> stretchOf(int band, const RasterHandle& handle,
+                                          GDALProgressFunc goOn, void* goOnData);
 
     /// Whether reads go over the network.
     bool isRemote() const { return remote; }
@@ -61,8 +64,8 @@ private:
 
     struct BandStretch
     {
-        std::once_flag once;
-        StretchRange range;
+        std::mutex mutex; // held while one works it out: the others want the same
+        std::optional<StretchRange> range;
     };
     std::vector<std::unique_ptr<BandStretch>> stretches; // by band
 

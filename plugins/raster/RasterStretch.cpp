@@ -14,22 +14,23 @@ namespace {
 constexpr int sampleEdge = 512;
 constexpr double cut = 0.02; // at either end
 
-std::vector<double> validSample(GDALRasterBandH band, const BandFacts& facts)
+std::vector<double> validSample(GDALRasterBandH band, const BandFacts& facts,
+                                GDALRasterIOExtraArg* extra)
 {
     const int width = GDALGetRasterBandXSize(band);
     const int height = GDALGetRasterBandYSize(band);
     const int w = std::min(width, sampleEdge);
     const int h = std::min(height, sampleEdge);
     std::vector<double> values(static_cast<std::size_t>(w) * static_cast<std::size_t>(h));
-    if (GDALRasterIO(band, GF_Read, 0, 0, width, height, values.data(), w, h, GDT_Float64, 0, 0) !=
-        CE_None)
+    if (GDALRasterIOEx(band, GF_Read, 0, 0, width, height, values.data(), w, h, GDT_Float64, 0, 0,
+                       extra) != CE_None)
     {
         return {};
     }
     std::vector<unsigned char> mask(values.size(), 255);
     if ((GDALGetMaskFlags(band) & GMF_ALL_VALID) == 0 &&
-        GDALRasterIO(GDALGetMaskBand(band), GF_Read, 0, 0, width, height, mask.data(), w, h,
-                     GDT_Byte, 0, 0) != CE_None)
+        GDALRasterIOEx(GDALGetMaskBand(band), GF_Read, 0, 0, width, height, mask.data(), w, h,
+                       GDT_Byte, 0, 0, extra) != CE_None)
     {
         return {};
     }
@@ -54,9 +55,14 @@ double percentile(std::vector<double>& values, double share)
 
 } // namespace
 
-StretchRange percentileCut(GDALRasterBandH band, const BandFacts& facts)
+StretchRange percentileCut(GDALRasterBandH band, const BandFacts& facts, GDALProgressFunc goOn,
+                           void* goOnData)
 {
-    std::vector<double> values = validSample(band, facts);
+    GDALRasterIOExtraArg extra;
+    INIT_RASTERIO_EXTRA_ARG(extra);
+    extra.pfnProgress = goOn;
+    extra.pProgressData = goOnData;
+    std::vector<double> values = validSample(band, facts, &extra);
     if (values.empty()) {
         return {};
     }

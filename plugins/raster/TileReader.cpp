@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <type_traits>
 #include <utility>
 
@@ -19,6 +20,9 @@ namespace {
 
 constexpr int pixelBytes = 4;
 constexpr qint64 sliceBytes = 8 << 20; // of a reduced read; the block cache holds several
+// A pixel that stands for more of them, both ways, is one of them rather than their mean: GDAL would take
+// all of them into memory at once.
+constexpr int mostAveraged = 512;
 constexpr QRgb opaqueWhite = 0xffffffffU;
 
 std::size_t area(const QSize& size)
@@ -206,7 +210,8 @@ bool TileReader::readSlice(const Window& window, const RasterHandle& handle,
     INIT_RASTERIO_EXTRA_ARG(extra);
     extra.pfnProgress = &TileReader::goOn;
     extra.pProgressData = const_cast<TileReader*>(this);
-    if (window.reduction() > 1 && plan.look != BandPlan::Look::Palette) {
+    const int reduction = window.reduction();
+    if (reduction > 1 && reduction <= mostAveraged && plan.look != BandPlan::Look::Palette) {
         extra.eResampleAlg = GRIORA_Average;
     }
     const QRect& from = window.source;
@@ -312,7 +317,12 @@ bool TileReader::readStretched(const Window& window, const RasterHandle& handle,
     for (std::size_t b = 0; b < plan.bands.size(); ++b) {
         const BandFacts& band =
             theSource->facts().bands[static_cast<std::size_t>(plan.bands[b] - 1)];
-        const GreyScale<Value> scale(theSource->stretchOf(plan.bands[b], handle));
+        const std::optional<StretchRange> range = theSource->stretchOf(
+            plan.bands[b], handle, &TileReader::goOn, const_cast<TileReader*>(this));
+        if (!range) {
+            return false;
+        }
+        const GreyScale<Value> scale(*range);
         const auto noData = static_cast<Value>(band.noData);
         const int shift = plan.bands.size() == 1 ? 0 : 16 - 8 * static_cast<int>(b);
         const QRgb spread = plan.bands.size() == 1 ? 0x010101U : 1U << shift;
@@ -371,9 +381,13 @@ bool TileReader::readMask(const Window& window, const RasterHandle& handle,
         }
     }
     alpha.resize(area(window.size));
-    return GDALRasterIO(GDALGetMaskBand(band), GF_Read, from.x(), from.y(), from.width(),
-                        from.height(), alpha.data(), window.size.width(), window.size.height(),
-                        GDT_Byte, 0, 0) == CE_None;
+    GDALRasterIOExtraArg extra;
+    INIT_RASTERIO_EXTRA_ARG(extra);
+    extra.pfnProgress = &TileReader::goOn;
+    extra.pProgressData = const_cast<TileReader*>(this);
+    return GDALRasterIOEx(GDALGetMaskBand(band), GF_Read, from.x(), from.y(), from.width(),
+                          from.height(), alpha.data(), window.size.width(), window.size.height(),
+                          GDT_Byte, 0, 0, &extra) == CE_None;
 }
 
 } // namespace Corvane::Map

@@ -34,6 +34,18 @@ int statusOf(qint64 process, const char* key)
     return line.match(QString::fromLatin1(file.readAll())).captured(1).toInt();
 }
 
+/// The time that the process has worked, in hundredths of a second or so.
+int ticksOf(qint64 process)
+{
+    constexpr int userTime = 11; // behind the name, which is in brackets
+    QFile file(QString("/proc/%1/stat").arg(process));
+    return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll())
+                                                .section(") ", 1)
+                                                .section(' ', userTime, userTime)
+                                                .toInt()
+                                          : -1;
+}
+
 /// Lets threads wait for each other.
 class Gate
 {
@@ -56,6 +68,10 @@ private:
     bool isOpen = false;
 };
 
+constexpr int generous = 60000; // milliseconds, for what has to come at some time
+constexpr std::chrono::milliseconds soon(20);
+constexpr std::chrono::minutes never(5);
+
 } // namespace
 
 /// However many ask for however much, the server keeps to its threads and its memory.
@@ -73,15 +89,20 @@ private slots:
     void blocksBeyondAllMeasureAreLeftOut();
     void blocksBeyondAllMeasureAreNotReachedThroughOtherFormats();
     void imagesThatAreDecodedAsAWholeAreBounded();
+    void pixelsBeyondAllMeasureAreShown_data();
+    void pixelsBeyondAllMeasureAreShown();
+    void aStopDoesNotWaitForAPictureWithoutAnEnd();
     void tilesThatTakeAllMemoryToDecodeAreLeftOut_data();
     void tilesThatTakeAllMemoryToDecodeAreLeftOut();
     void noMorePicturesAreMadeAtOnceThanTurns();
     void aTurnThatTakesTooLongIsOver();
     void aTurnThatDoesNotComeInTimeIsNotTaken();
+    void aTurnThatDoesNotEndGivesItsPlaceToOthers();
     void stoppingEndsAllTurns();
     void theStoreKeepsWhatWasUsedLast();
     void theStoreMakesAPictureOnceAtATime();
     void whoWaitsForAPictureThatFailsDoesNotTryAgain();
+    void nobodyWaitsForAPictureWithoutAnEnd();
     void aPictureLargerThanTheStoreIsNotKept();
 };
 
@@ -283,6 +304,85 @@ void ServerLimitsTest::imagesThatAreDecodedAsAWholeAreBounded()
              qPrintable(server.log()));
 }
 
+void ServerLimitsTest::pixelsBeyondAllMeasureAreShown_data()
+{
+    const QByteArray source =
+        R"(<SimpleSource><SourceFilename relativeToVRT="1">a.tif</SourceFilename>)"
+        R"(<SourceBand>1</SourceBand><SrcRect xOff="0" yOff="0" xSize="64" ySize="64"/>)"
+        R"(<DstRect xOff="0" yOff="0" xSize="2000000000" ySize="2000000000"/></SimpleSource>)";
+    const QByteArray band = R"(<VRTRasterBand dataType="Byte" band="1">)" + source;
+    const QByteArray end("</VRTRasterBand>");
+    QTest::addColumn<QByteArray>("bands");
+    QTest::newRow("plain") << band + end;
+    QTest::newRow("with a value for no data")
+        << R"(<VRTRasterBand dataType="Byte" band="1"><NoDataValue>7</NoDataValue>)" + source + end;
+    QTest::newRow("with a mask") << band + end + R"(<MaskBand><VRTRasterBand dataType="Byte">)" +
+                                        source + end + "</MaskBand>";
+    QTest::newRow("of deep values")
+        << R"(<VRTRasterBand dataType="UInt16" band="1">)" + source + end;
+}
+
+// 2,000,000,000 each way and no overviews: a pixel of the coarsest level stands for 16,777,216 each way,
+// one of the last level here for 1,024. Below, pixels are the mean of all that they stand for.
+void ServerLimitsTest::pixelsBeyondAllMeasureAreShown()
+{
+    QFETCH(QByteArray, bands);
+    QTemporaryDir folder;
+    RasterRecipe recipe;
+    recipe.size = QSize(64, 64);
+    recipe.bands = 1;
+    recipe.options.clear();
+    recipe.value = [](int, int, int) { return 100; };
+    QVERIFY(makeRaster(folder.filePath("a.tif"), recipe));
+    QFile file(folder.filePath("a.vrt"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(R"(<VRTDataset rasterXSize="2000000000" rasterYSize="2000000000">)" + bands +
+               "</VRTDataset>");
+    file.close();
+    ServerProcess server(folder.path());
+    for (int level = 0; level <= 14; ++level) {
+        const ServerAnswer answer =
+            server.ask("/tiles/a.vrt/" + QByteArray::number(level) + "/0/0.png");
+        QVERIFY2(answer.status == 200, qPrintable(QString("level %1: %2 %3, %4")
+                                                      .arg(level)
+                                                      .arg(answer.status)
+                                                      .arg(QString(answer.body), server.log())));
+    }
+    const int peak = statusOf(server.processId(), "VmHWM") / 1024;
+    QVERIFY2(peak > 0 && peak < CORVANE_PEAK_MEGABYTES, qPrintable(QString::number(peak)));
+}
+
+// Virtual rasters of which each shows the next one eight times: 68,719,476,736 reads in all.
+void ServerLimitsTest::aStopDoesNotWaitForAPictureWithoutAnEnd()
+{
+    QTemporaryDir folder;
+    RasterRecipe recipe;
+    recipe.size = QSize(64, 64);
+    recipe.bands = 1;
+    recipe.options.clear();
+    QVERIFY(makeRaster(folder.filePath("0.tif"), recipe));
+    constexpr int depth = 12;
+    for (int i = 1; i <= depth; ++i) {
+        const QByteArray name = QByteArray::number(i - 1) + (i == 1 ? ".tif" : ".vrt");
+        const QByteArray source = "<SimpleSource><SourceFilename relativeToVRT=\"1\">" + name +
+                                  "</SourceFilename><SourceBand>1</SourceBand></SimpleSource>";
+        QFile file(folder.filePath(QString::number(i) + ".vrt"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<VRTDataset rasterXSize=\"64\" rasterYSize=\"64\"><VRTRasterBand "
+                   "dataType=\"Byte\" band=\"1\">" +
+                   source.repeated(8) + "</VRTRasterBand></VRTDataset>");
+    }
+    ServerProcess server(folder.path());
+    QTcpSocket client;
+    client.connectToHost("127.0.0.1", quint16(server.port()));
+    QVERIFY(client.waitForConnected());
+    const int before = ticksOf(server.processId());
+    client.write("GET /tiles/12.vrt/0/0/0.png HTTP/1.1\r\nHost: x\r\n\r\n");
+    QVERIFY(client.waitForBytesWritten());
+    QTRY_VERIFY_WITH_TIMEOUT(ticksOf(server.processId()) > before + 50, generous); // it is at work
+    QCOMPARE(server.stop(), 0);
+}
+
 void ServerLimitsTest::tilesThatTakeAllMemoryToDecodeAreLeftOut_data()
 {
     QTest::addColumn<int>("side");
@@ -359,14 +459,14 @@ void ServerLimitsTest::tilesThatTakeAllMemoryToDecodeAreLeftOut()
 
 void ServerLimitsTest::noMorePicturesAreMadeAtOnceThanTurns()
 {
-    RenderTurns turns(3, std::chrono::minutes(5));
+    RenderTurns turns(3, never, never);
     std::atomic<int> atWork{0};
     std::atomic<int> most{0};
     std::vector<std::thread> threads;
     for (int i = 0; i < 12; ++i) {
         threads.emplace_back([&] {
             for (int round = 0; round < 200; ++round) {
-                const RenderTurns::Turn turn(turns);
+                const RenderTurns::Turn turn(turns, "a");
                 const int now = ++atWork;
                 int known = most;
                 while (now > known && !most.compare_exchange_weak(known, now)) {
@@ -384,39 +484,53 @@ void ServerLimitsTest::noMorePicturesAreMadeAtOnceThanTurns()
 
 void ServerLimitsTest::aTurnThatTakesTooLongIsOver()
 {
-    RenderTurns turns(2, std::chrono::milliseconds(20));
-    const RenderTurns::Turn turn(turns);
+    RenderTurns turns(2, soon, never);
+    const RenderTurns::Turn turn(turns, "a");
     QVERIFY(turn.isTaken());
     QTRY_VERIFY(turn.isOver());
 }
 
 void ServerLimitsTest::aTurnThatDoesNotComeInTimeIsNotTaken()
 {
-    RenderTurns turns(1, std::chrono::milliseconds(20));
-    const RenderTurns::Turn first(turns);
-    const RenderTurns::Turn second(turns);
+    RenderTurns turns(1, soon, never);
+    const RenderTurns::Turn first(turns, "a");
+    const RenderTurns::Turn second(turns, "b");
     QVERIFY(first.isTaken());
     QVERIFY(!second.isTaken());
     QVERIFY(second.isOver());
 }
 
+// GDAL cannot always be stopped.
+void ServerLimitsTest::aTurnThatDoesNotEndGivesItsPlaceToOthers()
+{
+    RenderTurns turns(1, soon, soon);
+    auto first = std::make_unique<RenderTurns::Turn>(turns, "a");
+    QVERIFY(first->isTaken());
+    QTRY_COMPARE_WITH_TIMEOUT(turns.lostCount(), 1, generous);
+    QVERIFY(!RenderTurns::Turn(turns, "a").isTaken()); // the same would happen again
+    QVERIFY(RenderTurns::Turn(turns, "b").isTaken());
+    first.reset();
+    QCOMPARE(turns.lostCount(), 0);
+    QVERIFY(RenderTurns::Turn(turns, "a").isTaken());
+}
+
 void ServerLimitsTest::stoppingEndsAllTurns()
 {
-    RenderTurns turns(1, std::chrono::minutes(5));
-    auto first = std::make_unique<RenderTurns::Turn>(turns);
+    RenderTurns turns(1, never, never);
+    auto first = std::make_unique<RenderTurns::Turn>(turns, "a");
     QVERIFY(!first->isOver());
     std::atomic<bool> taken{true};
-    std::thread waiting([&] { taken = RenderTurns::Turn(turns).isTaken(); });
+    std::thread waiting([&] { taken = RenderTurns::Turn(turns, "b").isTaken(); });
     turns.stop();
     waiting.join();
     QVERIFY(!taken);
     QVERIFY(first->isOver());
-    QVERIFY(!RenderTurns::Turn(turns).isTaken());
+    QVERIFY(!RenderTurns::Turn(turns, "b").isTaken());
 }
 
 void ServerLimitsTest::theStoreKeepsWhatWasUsedLast()
 {
-    PictureStore store(100);
+    PictureStore store(100, never);
     QStringList made;
     const auto get = [&](const char* name) {
         store.get(name, [&] {
@@ -437,7 +551,7 @@ void ServerLimitsTest::theStoreKeepsWhatWasUsedLast()
 
 void ServerLimitsTest::theStoreMakesAPictureOnceAtATime()
 {
-    PictureStore store(100);
+    PictureStore store(100, never);
     Gate begun;
     Gate goOn;
     std::atomic<int> made{0};
@@ -467,14 +581,39 @@ void ServerLimitsTest::theStoreMakesAPictureOnceAtATime()
 
 void ServerLimitsTest::whoWaitsForAPictureThatFailsDoesNotTryAgain()
 {
-    PictureStore store(100);
+    PictureStore store(100, never);
     QVERIFY(store.get("a", [] { return QByteArray(); }).isEmpty());
     QCOMPARE(store.get("a", [] { return QByteArray("now"); }), QByteArray("now"));
 }
 
+void ServerLimitsTest::nobodyWaitsForAPictureWithoutAnEnd()
+{
+    PictureStore store(100, soon);
+    Gate begun;
+    Gate goOn;
+    std::thread first([&] {
+        store.get("a", [&] {
+            begun.open();
+            goOn.pass();
+            return QByteArray("picture");
+        });
+    });
+    begun.pass();
+    bool made = false;
+    const auto make = [&made] {
+        made = true;
+        return QByteArray("another");
+    };
+    QVERIFY(store.get("a", make).isEmpty());
+    goOn.open();
+    first.join();
+    QCOMPARE(store.get("a", make), QByteArray("picture"));
+    QVERIFY(!made);
+}
+
 void ServerLimitsTest::aPictureLargerThanTheStoreIsNotKept()
 {
-    PictureStore store(10);
+    PictureStore store(10, never);
     QCOMPARE(store.get("a", [] { return QByteArray(11, 'a'); }).size(), 11);
     QCOMPARE(store.bytes(), 0);
 }
