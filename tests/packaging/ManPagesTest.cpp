@@ -14,6 +14,9 @@ private slots:
     void everyOptionIsExplained();
     void theExitStatusesOfThePageAreThoseOfTheProgram_data() { addPrograms(); }
     void theExitStatusesOfThePageAreThoseOfTheProgram();
+    void theLimitsOfTheHelpStandOnThePage_data() { addPrograms(); }
+    void theLimitsOfTheHelpStandOnThePage();
+    void whatEndsTheImageServerLateStandsOnThePage();
     void thePageNamesItsProgramAndTheVersion_data() { addPrograms(); }
     void thePageNamesItsProgramAndTheVersion();
 
@@ -192,6 +195,33 @@ void ManPagesTest::theExitStatusesOfThePageAreThoseOfTheProgram()
     const QByteArray differences = difference("exit code", codes, tags);
     QVERIFY2(differences.isEmpty(), differences.constData());
     QCOMPARE(tags, codes);
+}
+
+void ManPagesTest::theLimitsOfTheHelpStandOnThePage()
+{
+    QFETCH(QString, program);
+    QFETCH(QString, page);
+
+    static const QRegularExpression limit("\\b[0-9]+ [KMGT]?B\\b");
+    const QString help = outputOf(program, "--help");
+    QVERIFY(!help.isEmpty());
+    const QString text = contentOf(page);
+    auto limits = limit.globalMatch(help);
+    while (limits.hasNext()) {
+        const QString bytes = limits.next().captured();
+        QVERIFY2(text.contains(bytes), qPrintable(bytes));
+    }
+}
+
+void ManPagesTest::whatEndsTheImageServerLateStandsOnThePage()
+{
+    const QString help = outputOf(PROGRAM_FOLDER "/corvane-imageserver", "--help");
+    QVERIFY(help.simplified().contains("3 when the address cannot be listened on, or no longer."));
+    const QString page = contentOf(PAGE_FOLDER "/corvane-imageserver.1");
+    for (const Entry& entry : entriesOf(page, "EXIT STATUS")) {
+        const bool tells = entry.text.startsWith("The address cannot be listened on, or no longer");
+        QCOMPARE(tells, entry.tag == "3");
+    }
 }
 
 void ManPagesTest::thePageNamesItsProgramAndTheVersion()
