@@ -208,6 +208,7 @@ private slots:
     void anEnlargedImageBeginsInTheMiddleOfAPixel();
     void aReducedImageSkipsPixels();
     void resamplingFollowsTheRenderHints();
+    void resamplingLeavesTheColoursToThePainter();
     void anImageOutsideTheViewLeavesTheCanvas_data();
     void anImageOutsideTheViewLeavesTheCanvas();
     void collapsedRectanglesDrawNothing_data();
@@ -605,6 +606,16 @@ void GeoImageTest::resamplingFollowsTheRenderHints()
         image->paint(painter, 0, 0, canvasSize, canvasSize, 0.0, 20.0, 20.0, 0.0);
     });
     QVERIFY(rough != smooth);
+}
+
+void GeoImageTest::resamplingLeavesTheColoursToThePainter()
+{
+    const auto image = pattern(4, 4, 2.0, 18.0, 14.0, 6.0);
+    RecordingDevice device;
+    QPainter painter(&device);
+    image->paint(painter, 0, 0, canvasSize, canvasSize, 0.0, 20.0, 20.0, 0.0);
+    painter.end();
+    QCOMPARE(device.engine.conversion, Qt::ImageConversionFlags(Qt::AutoColor));
 }
 
 void GeoImageTest::anImageOutsideTheViewLeavesTheCanvas_data()

@@ -74,6 +74,7 @@ private slots:
     void deletesNothingOutsideTheStackOrWhereALayerIsMissing();
     void deletesALayerByUidAndByPointer();
     void deletesTheWholeStackFromTheTop();
+    void aDeletedLayerHasLeftTheStackBefore();
     void anEmptySideListDeletesNothing();
     void aFilledSideListDeletesFromTheStack();
     void takesTheStackWithItAndLeavesTheSideLists();
@@ -90,6 +91,7 @@ private slots:
     void maxBoundsAreNullWithoutAShownLayer();
 
     void tellsShownLayersTheView();
+    void hasTheViewBeforeItsLayersAreTold();
     void aLayerHiddenDuringAChangeOfViewGetsTheNextOne();
     void passesEachUpdateCallOn();
 
@@ -320,6 +322,10 @@ void MapCanvasTest::aClassOfAPluginGivesALayerWithItsSourceAndDescription()
     QCOMPARE(canvas.getNumberOfLayers(), 2);
     QCOMPARE(canvas.getLayerAt(0)->getDataSource(), QStringLiteral("a.tif"));
     QCOMPARE(canvas.getLayerAt(0)->getDescription(), QStringLiteral("Harbour"));
+    // the description comes last: it stands over one that the source has brought
+    const auto* made = dynamic_cast<PlainLayer<Layer>*>(canvas.getLayerAt(0));
+    QVERIFY(made);
+    QCOMPARE(made->log, QStringList({"setDataSource(a.tif)", "setDescription(Harbour)"}));
     canvas.getLayerAt(0)->refresh(1.0, 4.0, 3.0, 2.0);
     QCOMPARE(client.log, QStringList({"1 4 3 2"}));
 }
@@ -415,6 +421,35 @@ void MapCanvasTest::deletesTheWholeStackFromTheTop()
 
     QCOMPARE(journal, QStringList({"b gone", "a gone"}));
     QCOMPARE(canvas.getNumberOfLayers(), 0);
+}
+
+void MapCanvasTest::aDeletedLayerHasLeftTheStackBefore()
+{
+    class LeavingLayer : public TestLayer
+    {
+    public:
+        LeavingLayer(MapCanvas* newCanvas, QList<int>* newLeft) : canvas(newCanvas), left(newLeft)
+        {
+        }
+        ~LeavingLayer() override { *left << canvas->getNumberOfLayers(); }
+
+    private:
+        MapCanvas* canvas;
+        QList<int>* left;
+    };
+    QList<int> left;
+    MapCanvas canvas(nullptr);
+    for (int i = 0; i < 5; ++i) {
+        canvas.addLayer(new LeavingLayer(&canvas, &left));
+    }
+    QString uid = canvas.getLayerAt(0)->getUid().toString();
+
+    canvas.deleteLayerAt(4);
+    canvas.deleteLayer(uid);
+    canvas.deleteLayer(canvas.getLayerAt(0));
+    canvas.deleteAllLayers();
+
+    QCOMPARE(left, QList<int>({4, 3, 2, 1, 0}));
 }
 
 void MapCanvasTest::anEmptySideListDeletesNothing()
@@ -636,6 +671,30 @@ void MapCanvasTest::tellsShownLayersTheView()
                                    "b setView 640x480 -1.5 2.5 3.5 -4.5"}));
     canvas.getOverlayLayers().clear();
     canvas.getBackgroundLayers().clear();
+}
+
+void MapCanvasTest::hasTheViewBeforeItsLayersAreTold()
+{
+    class AskingLayer : public TestLayer
+    {
+    public:
+        explicit AskingLayer(MapCanvas* newCanvas) : canvas(newCanvas) {}
+        void setView(int, int, double, double, double, double) override
+        {
+            seen = canvas->getBounds();
+        }
+        QRectF seen;
+
+    private:
+        MapCanvas* canvas;
+    };
+    MapCanvas canvas(nullptr);
+    auto* layer = new AskingLayer(&canvas);
+    canvas.addLayer(layer);
+
+    canvas.setView(100, 100, 1.0, 99.0, 98.0, 2.0);
+
+    QCOMPARE(layer->seen, world(1.0, 99.0, 98.0, 2.0));
 }
 
 void MapCanvasTest::aLayerHiddenDuringAChangeOfViewGetsTheNextOne()

@@ -161,6 +161,8 @@ private slots:
     void thereIsNoContextMenuUnlessOneIsBuilt();
     void theContextMenuOpensWhereThePressWas_data();
     void theContextMenuOpensWhereThePressWas();
+    void inPointModeTheContextMenuOpensWhereThePointerIs_data();
+    void inPointModeTheContextMenuOpensWhereThePointerIs();
     void theContextMenuHasItsEntries();
     void theViewTakesTheContextMenuWithIt();
 };
@@ -747,25 +749,57 @@ void MapViewCommandsTest::theContextMenuOpensWhereThePressWas_data()
     QTest::newRow("not after a drag down") << QPoint(40, 41) << false;
 }
 
+namespace {
+
+/// Whether a right click at the position, whose press and moves have come, opens the menu.
+bool opensMenu(OpenView& view, QPoint position)
+{
+    view.contextMenu = new QMenu(&view);
+    view.contextMenu->addAction(QStringLiteral("an entry"));
+    bool opened = false;
+    QObject::connect(view.contextMenu, &QMenu::aboutToShow, [&] {
+        opened = true;
+        QTimer::singleShot(0, view.contextMenu, &QWidget::close);
+    });
+    QContextMenuEvent event(QContextMenuEvent::Mouse, position, view.mapToGlobal(position));
+    QApplication::sendEvent(&view, &event);
+    return opened;
+}
+
+} // namespace
+
 void MapViewCommandsTest::theContextMenuOpensWhereThePressWas()
 {
     QFETCH(QPoint, position);
     QFETCH(bool, opens);
     JournalView j(Motion::Direct);
-    j.view->contextMenu = new QMenu(j.view.get());
-    j.view->contextMenu->addAction(QStringLiteral("an entry"));
-    bool opened = false;
-    connect(j.view->contextMenu, &QMenu::aboutToShow, [&] {
-        opened = true;
-        QTimer::singleShot(0, j.view->contextMenu, &QWidget::close);
-    });
 
     press(*j.view, QPoint(40, 40), Qt::RightButton);
     release(*j.view, position, Qt::RightButton);
-    QContextMenuEvent event(QContextMenuEvent::Mouse, position, j.view->mapToGlobal(position));
-    QApplication::sendEvent(j.view.get(), &event);
 
-    QCOMPARE(opened, opens);
+    QCOMPARE(opensMenu(*j.view, position), opens);
+}
+
+void MapViewCommandsTest::inPointModeTheContextMenuOpensWhereThePointerIs_data()
+{
+    QTest::addColumn<QPoint>("position");
+    QTest::addColumn<bool>("opens");
+    QTest::newRow("where it was moved to") << QPoint(60, 50) << true;
+    QTest::newRow("not where it was pressed") << QPoint(40, 40) << false;
+}
+
+void MapViewCommandsTest::inPointModeTheContextMenuOpensWhereThePointerIs()
+{
+    QFETCH(QPoint, position);
+    QFETCH(bool, opens);
+    JournalView j(Motion::Direct);
+    j.view->setPointerMode(MapView::Point);
+
+    press(*j.view, QPoint(40, 40), Qt::RightButton);
+    move(*j.view, QPoint(60, 50), Qt::RightButton);
+    release(*j.view, QPoint(60, 50), Qt::RightButton);
+
+    QCOMPARE(opensMenu(*j.view, position), opens);
 }
 
 void MapViewCommandsTest::theContextMenuHasItsEntries()

@@ -108,6 +108,7 @@ private slots:
     void anUnknownPointerModeLeavesTheCursor();
 
     void anExtentChangeReachesTheCanvasBeforeTheSignal();
+    void whoHearsOfExtentsFindsThemInTheView();
     void anExtentChangeAsksForARepaint();
     void setBoundsTellsTheFittedAndThenTheGivenRectangle();
     void setBoundsTakesARectangleOrItsCorners();
@@ -440,6 +441,18 @@ void MapViewTest::anExtentChangeReachesTheCanvasBeforeTheSignal()
     QCOMPARE(journal,
              QStringList({"a setView 101x101 1.5 20.5 30.5 -4.5", "extents 1.5 20.5 30.5 -4.5"}));
     QCOMPARE(view->getBounds(), QRectF(1.5, 20.5, 29.0, -25.0));
+}
+
+void MapViewTest::whoHearsOfExtentsFindsThemInTheView()
+{
+    auto view = makeView(Motion::Direct);
+    QStringList found;
+    connect(view.get(), &MapView::mapExtentsChanged,
+            [&] { found << text(view->getBounds()) << text(view->getMapCanvas()->getBounds()); });
+
+    view->onExtentChange(1.0, 20.0, 30.0, -4.0, false);
+
+    QCOMPARE(found, QStringList({"1 20 30 -4", "1 20 30 -4"}));
 }
 
 void MapViewTest::anExtentChangeAsksForARepaint()

@@ -19,6 +19,11 @@ public:
         PlainLayer::setDataSource(source);
         return !source.contains(QLatin1String("refused"));
     }
+    void setDescription(QString t) override
+    {
+        log << QStringLiteral("setDescription(%1)").arg(t);
+        PlainLayer::setDescription(t);
+    }
 };
 
 /// A layer plugin, for tests of what a canvas and a view do with a layer of a plugin.

@@ -124,6 +124,7 @@ private slots:
     void masterClientIsAPlainStore();
 
     void attachTellsOnceAndRefusesASecondTime();
+    void aClientIsAttachedByTheTimeItIsTold();
     void detachTakesTheClientOutOfItsGeolink();
     void clientsAreCalledInTheOrderOfAttachment();
     void aClientMayDetachWhileItIsCalled();
@@ -556,6 +557,32 @@ void ViewManagerTest::attachTellsOnceAndRefusesASecondTime()
     QCOMPARE(other.log, QStringList({startLine}));
     QVERIFY(client.log.isEmpty());
     QCOMPARE(other.flags, QVector<bool>({false}));
+}
+
+void ViewManagerTest::aClientIsAttachedByTheTimeItIsTold()
+{
+    class Insisting : public RecordingClient
+    {
+    public:
+        explicit Insisting(ViewManager* newManager) : manager(newManager) {}
+        void onExtentChange(double, double, double, double, bool) override
+        {
+            ++calls;
+            if (calls == 1) {
+                taken = manager->attach(this);
+            }
+        }
+        ViewManager* manager;
+        int calls = 0;
+        bool taken = true;
+    };
+    RecordingClient client;
+    ViewManager manager(&client);
+    Insisting insisting(&manager);
+
+    QVERIFY(manager.attach(&insisting));
+    QVERIFY(!insisting.taken);
+    QCOMPARE(insisting.calls, 1);
 }
 
 void ViewManagerTest::detachTakesTheClientOutOfItsGeolink()
