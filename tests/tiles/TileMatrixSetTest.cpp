@@ -1,5 +1,7 @@
 #include <tests/support/HttpTestServer.h>
 #include <tests/support/MessageLines.h>
+#include <tests/tiles/Gate.h>
+#include <tests/tiles/SharedLog.h>
 #include <tests/tiles/SquareSet.h>
 
 #include <QDir>
@@ -100,6 +102,7 @@ private slots:
     void theSameTileIsFetchedTwice();
     void aCancelledRequestIsFetchedAllTheSame();
     void aRunnableGoesToTheGlobalPool();
+    void aRunnableWaitsItsTurnAmongOtherWork();
 };
 
 void TileMatrixSetTest::initTestCase()
@@ -422,6 +425,35 @@ void TileMatrixSetTest::aRunnableGoesToTheGlobalPool()
 
     QVERIFY(thread.load() != std::thread::id());
     QVERIFY(thread.load() != std::this_thread::get_id());
+}
+
+void TileMatrixSetTest::aRunnableWaitsItsTurnAmongOtherWork()
+{
+    class Note : public QRunnable
+    {
+    public:
+        explicit Note(SharedLog* newLog) : log(newLog) {}
+        void run() override { log->add("queued"); }
+
+    private:
+        SharedLog* log;
+    };
+    const MessageLines lines;
+    SquareSet set;
+    SharedLog log;
+    Gate gate;
+    QThreadPool* const pool = QThreadPool::globalInstance();
+    pool->setMaxThreadCount(1);
+    pool->start([&gate] { gate.pass(); });
+    gate.waitForArrivals(1);
+    pool->start([&log] { log.add("before"); });
+    set.queueTileRequest(new Note(&log));
+    pool->start([&log] { log.add("behind"); });
+    gate.open();
+    pool->waitForDone();
+    pool->setMaxThreadCount(8);
+
+    QCOMPARE(log.all(), QStringList({"before", "queued", "behind"}));
 }
 
 QTEST_GUILESS_MAIN(TileMatrixSetTest)

@@ -144,6 +144,7 @@ private slots:
     void aKeyIsFreeAgainWhenItsRequestHasEnded();
     void aKeyIsFreeAgainWhenItsRequestHasFailed();
     void runsFirstComeFirstServed();
+    void waitsItsTurnAmongOtherWork();
     void cancelledBeforeItsTurnCallsNobodyAndFreesItsKey();
     void cancelAllReachesWhatIsQueuedAndWhatIsRunning();
     void aCancelledRequestLeavesTheKeyToItsSuccessor();
@@ -239,6 +240,26 @@ void TileRequestRegistryTest::runsFirstComeFirstServed()
     pool->setMaxThreadCount(poolThreads);
 
     QCOMPARE(layer.log.all().filter(QStringLiteral("run ")), expected);
+}
+
+// A request has the priority of work for which none is given.
+void TileRequestRegistryTest::waitsItsTurnAmongOtherWork()
+{
+    LoggingLayer layer;
+    Gate gate;
+    QThreadPool* const pool = QThreadPool::globalInstance();
+    pool->setMaxThreadCount(1);
+    registry().queue(new LoggingRequest(&layer, QStringLiteral("held"), &gate));
+    gate.waitForArrivals(1);
+    pool->start([&layer] { layer.log.add("run before"); });
+    registry().queue(new LoggingRequest(&layer, QStringLiteral("tile")));
+    pool->start([&layer] { layer.log.add("run behind"); });
+    gate.open();
+    waitForRequests();
+    pool->setMaxThreadCount(poolThreads);
+
+    QCOMPARE(layer.log.all().filter(QStringLiteral("run ")),
+             QStringList({"run held", "run before", "run tile", "run behind"}));
 }
 
 void TileRequestRegistryTest::cancelledBeforeItsTurnCallsNobodyAndFreesItsKey()
