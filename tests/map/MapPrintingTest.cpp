@@ -147,6 +147,7 @@ private slots:
     void theDialogFollowsTheStrips();
     void withoutADialogAllStripsArePrinted();
     void eventsAreProcessedBetweenStrips();
+    void withoutADialogNoEventIsProcessed();
     void aCancelStopsBehindTheStripInProgress();
     void aCancelLeavesAPartOfThePageAndItsFrame();
     void aPageWithoutHeightGetsItsFrameOnly();
@@ -483,6 +484,22 @@ void MapPrintingTest::eventsAreProcessedBetweenStrips()
     map.canvas.print(printer, &dialog);
 
     QCOMPARE(log, firstStrip() + QStringList{"event"} + secondStrip() + thirdStrip());
+}
+
+void MapPrintingTest::withoutADialogNoEventIsProcessed()
+{
+    PrintedMap map;
+    PointPrinter printer(threeStrips);
+    QObject receiver;
+    bool processed = false;
+    QMetaObject::invokeMethod(
+        &receiver, [&processed] { processed = true; }, Qt::QueuedConnection);
+
+    map.canvas.print(printer, nullptr);
+    QVERIFY(!processed);
+
+    QCoreApplication::processEvents();
+    QVERIFY(processed);
 }
 
 void MapPrintingTest::aCancelStopsBehindTheStripInProgress()

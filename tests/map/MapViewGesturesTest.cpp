@@ -93,6 +93,7 @@ private slots:
     void aPressChoosesTheDrag();
     void aReleaseRestoresTheModeAndItsCursor_data();
     void aReleaseRestoresTheModeAndItsCursor();
+    void aSecondPressKeepsTheModeOfTheDrag();
     void outsideRoamAPressKeepsTheMode_data();
     void outsideRoamAPressKeepsTheMode();
     void everyGestureEventIsAccepted_data();
@@ -198,6 +199,20 @@ void MapViewGesturesTest::aReleaseRestoresTheModeAndItsCursor()
     QCOMPARE(j.cursor(), Qt::OpenHandCursor);
     QCOMPARE(j.journal.last(), QStringLiteral("a endUpdate"));
     QCOMPARE(j.extents(), QStringLiteral("0 100 100 0"));
+}
+
+// Each press keeps the mode that it finds, that of a drag under way too.
+void MapViewGesturesTest::aSecondPressKeepsTheModeOfTheDrag()
+{
+    JournalView j(Motion::Direct);
+    press(*j.view, QPoint(40, 40), Qt::LeftButton, Qt::ShiftModifier);
+    sendMouse(*j.view, QEvent::MouseButtonPress, QPoint(40, 40), Qt::RightButton,
+              Qt::LeftButton | Qt::RightButton);
+    release(*j.view, QPoint(40, 40), Qt::RightButton);
+    release(*j.view, QPoint(40, 40), Qt::LeftButton);
+
+    QCOMPARE(j.mode(), IClient::Zoom);
+    QCOMPARE(j.cursor(), Qt::CrossCursor);
 }
 
 void MapViewGesturesTest::outsideRoamAPressKeepsTheMode_data()

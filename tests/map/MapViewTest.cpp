@@ -126,6 +126,8 @@ private slots:
     void forgetsASelectedLayerThatIsDeleted();
 
     void aRendererUpdateRepaintsTheWholeWidget();
+    void aRendererUpdateOnTheWidgetsThreadIsNotQueued();
+    void aDerivedViewTakesRendererUpdatesItself();
     void aRendererUpdateFromAnotherThreadIsQueued();
     void aLayerRefreshFromAnotherThreadRepaints();
     void updatesFromAnotherThreadAreMergedIntoOneFrame();
@@ -628,6 +630,34 @@ void MapViewTest::aRendererUpdateRepaintsTheWholeWidget()
     view->onRendererUpdate(1.0, 2.0, 2.0, 1.0);
 
     QTRY_COMPARE(view->paints, 1);
+}
+
+void MapViewTest::aRendererUpdateOnTheWidgetsThreadIsNotQueued()
+{
+    auto view = makeView<UpdateWatchingView>(Motion::Direct);
+    view->settle();
+
+    view->onRendererUpdate(1.0, 2.0, 2.0, 1.0);
+
+    QTRY_COMPARE(view->paints, 1);
+    QVERIFY(view->threads.isEmpty()); // nothing was called by its name
+}
+
+void MapViewTest::aDerivedViewTakesRendererUpdatesItself()
+{
+    class OwnView : public MapView
+    {
+    public:
+        using MapView::update;
+        void update(double left, double top, double right, double bottom) override
+        {
+            updates << text(left, top, right, bottom);
+        }
+        QStringList updates;
+    };
+    OwnView view;
+    view.onRendererUpdate(1.0, 4.0, 3.0, 2.0);
+    QCOMPARE(view.updates, QStringList({"1 4 3 2"}));
 }
 
 void MapViewTest::aRendererUpdateFromAnotherThreadIsQueued()
