@@ -74,7 +74,7 @@ void EditCommands::createCommands()
     Map::MapTreeView* const tree = window->getPanels()->getTree();
     deleteLayer = addCommand(window, "actionDeleteLayer", [tree] { tree->deleteLayer(); });
     deleteLayer->setShortcutContext(Qt::WidgetShortcut); // the key is for the tree alone
-    tree->QWidget::addAction(deleteLayer);
+    tree->addAction(deleteLayer);
 }
 
 /// The tree tells of the layer that the user works on, and is where layers are switched on and off.

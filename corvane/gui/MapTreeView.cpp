@@ -35,13 +35,14 @@ MapTreeView::MapTreeView(QWidget* parent)
     auto* const addMenu = new QMenu(tr("Add layer..."), this);
     addMenu->addActions(PluginManager::getLayerPluginAddLayerActions());
     createActions();
-    addAction->setMenu(addMenu);
+    addLayerAction->setMenu(addMenu);
 
-    layerMenu.addActions({addAction, deleteAction, moveToTopAction, moveUpAction, moveDownAction,
-                          moveToBottomAction, zoomToLayerAction, zoomOneToOneAction});
+    layerMenu.addActions({addLayerAction, deleteAction, moveToTopAction, moveUpAction,
+                          moveDownAction, moveToBottomAction, zoomToLayerAction,
+                          zoomOneToOneAction});
     layerMenu.addSeparator();
     layerMenu.addAction(propertiesAction);
-    mapContextMenu.addActions({addAction, zoomToAllAction});
+    mapContextMenu.addActions({addLayerAction, zoomToAllAction});
     mapContextMenu.addSeparator();
     mapContextMenu.addAction(propertiesAction);
 
@@ -57,7 +58,7 @@ MapTreeView::~MapTreeView()
 
 void MapTreeView::createActions()
 {
-    addAction = createAction("document_add.png", tr("Add layer"), nullptr);
+    addLayerAction = createAction("document_add.png", tr("Add layer"), nullptr);
     deleteAction =
         createAction("document_delete.png", tr("Delete Layer"), &MapTreeView::deleteLayer);
     moveToTopAction =
@@ -204,7 +205,7 @@ void MapTreeView::announce(QTreeWidgetItem* item)
 
 void MapTreeView::setLayerMenuEnabled(bool enabled)
 {
-    addAction->setEnabled(true);
+    addLayerAction->setEnabled(true);
     propertiesAction->setEnabled(true);
     for (QAction* action : {deleteAction, moveToTopAction, moveUpAction, moveDownAction,
                             moveToBottomAction, zoomToLayerAction, zoomOneToOneAction})

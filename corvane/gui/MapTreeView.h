@@ -104,7 +104,7 @@ private:
     QTreeWidgetItem* rootItem = nullptr; // of the tree; not read while there is no map view
     QMenu layerMenu;
     QMenu mapContextMenu;
-    QAction* addAction = nullptr;
+    QAction* addLayerAction = nullptr; // addAction is what a host calls
     QAction* deleteAction = nullptr;
     QAction* moveToTopAction = nullptr;
     QAction* moveUpAction = nullptr;

@@ -66,6 +66,8 @@ private slots:
     void cleanup();
 
     void aNewTreeIsEmptyAndTakesDrops();
+    void theSlotsAreFoundByName();
+    void aHostMayAddActionsOfItsOwn();
     void theMenusHoldTheirActions();
     void theActionsHaveTheirPictures_data();
     void theActionsHaveTheirPictures();
@@ -231,6 +233,34 @@ void MapTreeViewTest::aNewTreeIsEmptyAndTakesDrops()
     QCOMPARE(tree->selectionBehavior(), QAbstractItemView::SelectItems);
     QCOMPARE(tree->topLevelItemCount(), 0);
     QCOMPARE(tree->metaObject()->className(), "Corvane::Map::MapTreeView");
+}
+
+void MapTreeViewTest::theSlotsAreFoundByName()
+{
+    const QMetaObject& type = MapTreeView::staticMetaObject;
+    QStringList methods;
+    for (int i = type.methodOffset(); i < type.methodCount(); ++i) {
+        const QMetaMethod method = type.method(i);
+        const bool isPublic = method.access() == QMetaMethod::Public;
+        methods << QString::fromLatin1(method.methodSignature()) + (isPublic ? "" : " protected");
+    }
+    QCOMPARE(
+        methods,
+        QStringList({"layerActivated(Map::Layer*)", "mapActivated(Map::MapView*)",
+                     "setMapView(Map::MapView*)", "onSubWindowActivated(QMdiSubWindow*)",
+                     "onItemActivated(QTreeWidgetItem*,int)", "onItemChanged(QTreeWidgetItem*,int)",
+                     "onItemSelectionChanged()", "onAddLayer(QString)", "doProperties()",
+                     "moveLayerUp()", "moveLayerDown()", "moveLayerToTop()", "moveLayerToBottom()",
+                     "deleteLayer()", "zoomToLayer()", "zoomToLayer1To1()", "zoomToAll()",
+                     "commitData(QWidget*) protected"}));
+}
+
+// As to any other widget: no name in the tree hides the function.
+void MapTreeViewTest::aHostMayAddActionsOfItsOwn()
+{
+    QAction own("Own");
+    tree->addAction(&own);
+    QCOMPARE(tree->actions(), QList<QAction*>({&own}));
 }
 
 void MapTreeViewTest::theMenusHoldTheirActions()
