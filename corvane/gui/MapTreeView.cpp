@@ -245,6 +245,24 @@ QTreeWidgetItem* MapTreeView::selectedItem() const
     return items.isEmpty() ? nullptr : items.first();
 }
 
+/// The root for an empty one; null where there is none. A host may make the tree anew at any signal
+/// of the map, so no item outlives a change of it.
+QTreeWidgetItem* MapTreeView::itemOf(const QString& uid) const
+{
+    if (!mapView) {
+        return nullptr;
+    }
+    if (uid.isEmpty()) {
+        return rootItem;
+    }
+    for (int i = 0; i < rootItem->childCount(); ++i) {
+        if (rootItem->child(i)->data(0, Qt::UserRole).toString() == uid) {
+            return rootItem->child(i);
+        }
+    }
+    return nullptr;
+}
+
 /// Null for the root and for a layer that is gone.
 Layer* MapTreeView::layerOf(const QTreeWidgetItem* item) const
 {

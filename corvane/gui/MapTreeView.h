@@ -96,6 +96,7 @@ private:
     QTreeWidgetItem* createItem(Map::Layer* layer);
     void addFile(const QString& path);
     QTreeWidgetItem* selectedItem() const;
+    QTreeWidgetItem* itemOf(const QString& uid) const;
     Map::Layer* layerOf(const QTreeWidgetItem* item) const;
     int layerIndexOf(const QTreeWidgetItem* item) const;
     void moveLayer(QTreeWidgetItem* item, int from, int to, int position);

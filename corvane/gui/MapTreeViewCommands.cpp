@@ -76,7 +76,12 @@ void MapTreeView::moveLayerToBottom()
 /// Moves the layer in the stack and its item in step with it.
 void MapTreeView::moveLayer(QTreeWidgetItem* item, int from, int to, int position)
 {
+    const QString uid = item->data(0, Qt::UserRole).toString();
     mapView->moveLayer(from, to);
+    item = itemOf(uid);
+    if (!item) {
+        return;
+    }
     rootItem->removeChild(item);
     rootItem->insertChild(position, item);
     setCurrentItem(item, 0, QItemSelectionModel::NoUpdate); // where the arrow keys go on from
@@ -92,8 +97,10 @@ void MapTreeView::deleteLayer()
         QString uid = layer->getUid().toString();
         mapView->deleteLayer(uid);
         setItemWidget(currentItem(), 0, nullptr);
-        delete item;
-        mapView->QWidget::update(); // a single deletion asks for no repaint by itself
+        delete itemOf(uid);
+        if (mapView) {
+            mapView->QWidget::update(); // a single deletion asks for no repaint by itself
+        }
     }
     const QTreeWidgetItem* const remaining = selectedItem();
     emit layerActivated(remaining ? layerOf(remaining) : nullptr);

@@ -108,6 +108,7 @@ private slots:
     void aMovedLayerKeepsItsTick();
     void movesAreAnnounced();
     void movesWithoutAMapOrSelectionDoNothing();
+    void aHostMayMakeTheTreeAnewWhileALayerMoves();
 
     void aDeletedLayerLeavesMapAndTree();
     void theNextLayerIsAnnouncedAfterADeletionByHand();
@@ -115,6 +116,8 @@ private slots:
     void theLastLayerCanBeDeleted();
     void theRootCannotBeDeleted();
     void deletingWithoutSelectionAnnouncesNoLayer();
+    void aHostMayMakeTheTreeAnewWhileALayerGoes();
+    void aHostMayTakeTheMapAwayWhileALayerGoes();
 
     void theMenuOfALayerIsShown();
     void theMenuOfTheMapIsShown();
@@ -714,6 +717,19 @@ void MapTreeViewTest::movesWithoutAMapOrSelectionDoNothing()
     QCOMPARE(journal, QStringList());
 }
 
+void MapTreeViewTest::aHostMayMakeTheTreeAnewWhileALayerMoves()
+{
+    fill();
+    connect(view.get(), &MapView::layerMoved, tree.get(), [this] { tree->setMapView(view.get()); });
+    select("top");
+    tree->moveLayerToBottom();
+    QCOMPARE(stacked(*view), QStringList({"vector", "raster", "top"}));
+    QCOMPARE(listed(*tree), QStringList({"vector", "raster", "[top]"}));
+    QCOMPARE(journal.mid(journal.size() - 2), QStringList({"layer top", "map -"}));
+    tree->moveLayerUp();
+    QCOMPARE(listed(*tree), QStringList({"vector", "[top]", "raster"}));
+}
+
 void MapTreeViewTest::aDeletedLayerLeavesMapAndTree()
 {
     fill();
@@ -775,6 +791,36 @@ void MapTreeViewTest::deletingWithoutSelectionAnnouncesNoLayer()
     tree->deleteLayer();
     QCOMPARE(takeJournal(), QStringList("layer -"));
     QCOMPARE(view->getNumberOfLayers(), 3);
+}
+
+// The layer is still in the map then, so it is in the new tree, too.
+void MapTreeViewTest::aHostMayMakeTheTreeAnewWhileALayerGoes()
+{
+    fill();
+    connect(view.get(), &MapView::layerDeleted, tree.get(),
+            [this] { tree->setMapView(view.get()); });
+    select("vector");
+    tree->deleteLayer();
+    QCOMPARE(stacked(*view), QStringList({"top", "raster"}));
+    QCOMPARE(listed(*tree), QStringList({"[top]", "raster"}));
+    QCOMPARE(journal.last(), QString("layer top"));
+    select("raster");
+    tree->deleteLayer();
+    select("top");
+    tree->deleteLayer();
+    QCOMPARE(listed(*tree), QStringList());
+    QCOMPARE(journal.last(), QString("layer -"));
+}
+
+void MapTreeViewTest::aHostMayTakeTheMapAwayWhileALayerGoes()
+{
+    fill();
+    connect(view.get(), &MapView::layerDeleted, tree.get(), [this] { tree->setMapView(nullptr); });
+    select("vector");
+    tree->deleteLayer();
+    QCOMPARE(stacked(*view), QStringList({"top", "raster"}));
+    QCOMPARE(tree->topLevelItemCount(), 0);
+    QCOMPARE(journal, QStringList("layer -"));
 }
 
 void MapTreeViewTest::theMenuOfALayerIsShown()
