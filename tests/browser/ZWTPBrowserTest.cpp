@@ -192,12 +192,14 @@ void ZWTPBrowserTest::theFormHasItsConnectionRows()
     QCOMPARE(connectButton.text(), QString("Connect to server"));
     QCOMPARE(connectButton.toolTip(), QString("Connect to the server and display a list of images "
                                               "available for ZWTP streaming."));
-    QVERIFY(!connectButton.icon().pixmap(16).isNull());
+    QCOMPARE(connectButton.icon().pixmap(16).toImage(),
+             QIcon(":/resources/server_add.png").pixmap(16).toImage());
     const auto& infoButton = stage.find<QPushButton>("infoButton");
     QCOMPARE(infoButton.text(), QString("Server Info"));
     QCOMPARE(read(infoButton.toolTip()), QString("Opens a window that displays the details of the "
                                                  "TAVRO ORIVEX Essentials."));
-    QVERIFY(!infoButton.icon().pixmap(16).isNull());
+    QCOMPARE(infoButton.icon().pixmap(16).toImage(),
+             QIcon(":/resources/server_information.png").pixmap(16).toImage());
     const auto& ssl = stage.find<QCheckBox>("useSSLCheckBox");
     const QString secure = "Connect to the server using Secure Sockets Layer (SSL) for queries and "
                            "use ZWTPS for streaming imagery.";

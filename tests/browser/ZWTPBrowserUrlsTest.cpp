@@ -3,6 +3,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QSignalSpy>
@@ -53,6 +54,8 @@ private slots:
     void aClickOnAFolderOrTheRootKeepsTheUrl();
     void aDoubleClickTellsTheUrlAndCloses_data();
     void aDoubleClickTellsTheUrlAndCloses();
+    void aDoubleClickIsToldBeforeTheDialogCloses();
+    void withoutACloseButtonADoubleClickIsNotRecorded();
     void aDoubleClickOnAFolderOrTheRootChangesNothing_data();
     void aDoubleClickOnAFolderOrTheRootChangesNothing();
     void aDoubleClickOnAnImageThatDoesNotStreamWarns();
@@ -204,6 +207,26 @@ void ZWTPBrowserUrlsTest::aDoubleClickTellsTheUrlAndCloses()
     QVERIFY(!stage.dialog().isVisible());
     QCOMPARE(stage.recorded(protocol == ProtocolZWTP ? "ZwtpUrls" : "RaxionUrls"),
              QStringList({url}));
+}
+
+void ZWTPBrowserUrlsTest::aDoubleClickIsToldBeforeTheDialogCloses()
+{
+    ImageStage stage;
+    QStringList order;
+    QObject::connect(&stage.dialog(), &ZWTPBrowser::urlSelected,
+                     [&order](const QString& url) { order << "told " + url; });
+    QObject::connect(&stage.dialog(), &QDialog::accepted, [&order] { order << "accepted"; });
+    stage.doubleClickItem("last.jp2");
+    QCOMPARE(order, QStringList({"told zwtp://images.example/last.jp2", "accepted"}));
+}
+
+void ZWTPBrowserUrlsTest::withoutACloseButtonADoubleClickIsNotRecorded()
+{
+    ImageStage stage;
+    stage.find<QDialogButtonBox>("buttonBox").setStandardButtons(QDialogButtonBox::Ok);
+    stage.doubleClickItem("last.jp2");
+    QCOMPARE(stage.selected, QStringList({"zwtp://images.example/last.jp2"}));
+    QCOMPARE(stage.recorded("ZwtpUrls"), QStringList());
 }
 
 void ZWTPBrowserUrlsTest::aDoubleClickOnAFolderOrTheRootChangesNothing_data()

@@ -16,6 +16,19 @@
 using namespace Corvane;
 using namespace Corvane::Tests;
 
+/// The door to what the dialogs keep together. An explicit instantiation may name private members.
+template <bool* preview, QString* raster, QString* generic, QString* script, QString* vector>
+struct SharedDoor
+{
+    friend bool showsPreview() { return *preview; }
+    friend QStringList lastFilters() { return {*raster, *generic, *script, *vector}; }
+};
+bool showsPreview();
+QStringList lastFilters();
+template struct SharedDoor<&FileChooser::m_bShowFilePreview, &FileChooser::m_sLastRasterFilter,
+                           &FileChooser::m_sLastGenericFilter, &FileChooser::m_sLastScriptFilter,
+                           &FileChooser::m_sLastVectorFilter>;
+
 namespace {
 
 constexpr char stateKey[] = "Gui/FileChooser/State";
@@ -122,12 +135,14 @@ private slots:
     void init();
 
     void itLooksRight();
+    void itHasNoSignalsOrSlotsOfItsOwn();
     void thePlainDialogHasItsSideBar();
     void allArgumentsReachTheDialog();
     void theDirectoryWinsOverWhatIsRemembered();
     void onlyTheGeometryIsKept();
     void whatStandsUnderTheKeyIsTakenAsFarAsItGoes();
     void withAPreviewItIsTheSameDialog();
+    void theWishForAPreviewIsThatOfTheLastDialog();
 
     void theFirstCallShowsAllFiles();
     void theFilterTextIsFixed();
@@ -136,6 +151,7 @@ private slots:
     void cancellingReturnsNull();
     void theChosenFilterIsThereTheNextTime_data();
     void theChosenFilterIsThereTheNextTime();
+    void onlyTheFilterOfRastersIsRead();
     void aFullPathOpensItsFolderWithTheFileSelected();
     void aFileThatIsNotThereCannotBeOpened();
 
@@ -143,10 +159,12 @@ private:
     QString path(const char* name) const { return folder.filePath(name); }
 
     QTemporaryDir folder;
+    bool wishBeforeAnyDialog = false;
 };
 
 void FileChooserTest::initTestCase()
 {
+    wishBeforeAnyDialog = showsPreview();
     QVERIFY(folder.isValid());
     for (const char* name : {"a.jpg", "b.jpg", "c.tif"}) {
         QFile file(path(name));
@@ -166,6 +184,14 @@ void FileChooserTest::itLooksRight()
     FileChooser dialog(nullptr, "Open File", folder.path(), filters.join(";;"));
     dialog.setFileMode(QFileDialog::ExistingFiles);
     QCOMPARE(takePictures(dialog, "FileChooser"), QStringList());
+}
+
+void FileChooserTest::itHasNoSignalsOrSlotsOfItsOwn()
+{
+    const QMetaObject& type = FileChooser::staticMetaObject;
+    QCOMPARE(type.className(), "Corvane::FileChooser");
+    QCOMPARE(type.methodCount(), type.methodOffset());
+    QCOMPARE(type.propertyCount(), type.propertyOffset());
 }
 
 void FileChooserTest::thePlainDialogHasItsSideBar()
@@ -240,6 +266,18 @@ void FileChooserTest::withAPreviewItIsTheSameDialog()
     const FileChooser with(nullptr, QString(), QString(), QString(), true);
     QCOMPARE(with.findChildren<QWidget*>().size(), without.findChildren<QWidget*>().size());
     QCOMPARE(with.sidebarUrls(), sideBar);
+}
+
+// Nobody reads it yet.
+void FileChooserTest::theWishForAPreviewIsThatOfTheLastDialog()
+{
+    QVERIFY(wishBeforeAnyDialog);
+    const FileChooser without;
+    QVERIFY(!showsPreview());
+    const FileChooser with(nullptr, QString(), QString(), QString(), true);
+    QVERIFY(showsPreview());
+    const FileChooser third;
+    QVERIFY(!showsPreview());
 }
 
 void FileChooserTest::theFirstCallShowsAllFiles()
@@ -345,6 +383,20 @@ void FileChooserTest::theChosenFilterIsThereTheNextTime()
     FileChooser::getOpenFileName(nullptr, QString());
     QCOMPARE(filter, QString("JPEG (*.jpg)"));
     QCOMPARE(settings()->value(filterKey).toString(), QString("JPEG (*.jpg)"));
+}
+
+void FileChooserTest::onlyTheFilterOfRastersIsRead()
+{
+    settings()->setValue(filterKey, "JPEG (*.jpg)");
+    DialogAnswers answers;
+    answers.expect([](QDialog& dialog) {
+        chooseFilter(dialog, "Zoned Wavelet Tiles (*.zwt)");
+        click(dialog, QDialogButtonBox::Cancel);
+    });
+    FileChooser::getOpenFileName(nullptr, QString());
+    // raster: what was read, not what was chosen; generic, script and vector are for later
+    QCOMPARE(lastFilters(), QStringList({"JPEG (*.jpg)", QString(), QString(), QString()}));
+    QCOMPARE(settings()->value(filterKey).toString(), QString("Zoned Wavelet Tiles (*.zwt)"));
 }
 
 void FileChooserTest::aFullPathOpensItsFolderWithTheFileSelected()

@@ -71,6 +71,7 @@ private slots:
     void cleanup();
 
     void theDialogHasATitleAndAFrameOfItsOwn();
+    void theSlotsAreFoundByName();
     void threePagesStandInTheFormAndTheLastIsInFront();
     void theFieldsHaveTheirLabels_data();
     void theFieldsHaveTheirLabels();
@@ -188,6 +189,18 @@ void LayerPropertiesTest::theDialogHasATitleAndAFrameOfItsOwn()
     QWidget parent;
     const LayerProperties child(&parent);
     QCOMPARE(child.parentWidget(), &parent);
+}
+
+void LayerPropertiesTest::theSlotsAreFoundByName()
+{
+    const QMetaObject& type = LayerProperties::staticMetaObject;
+    QStringList methods;
+    for (int i = type.methodOffset(); i < type.methodCount(); ++i) {
+        QCOMPARE(type.method(i).methodType(), QMetaMethod::Slot);
+        QCOMPARE(type.method(i).access(), QMetaMethod::Public);
+        methods << type.method(i).methodSignature();
+    }
+    QCOMPARE(methods, QStringList({"setLayer(Map::Layer*)", "accept()", "reject()"}));
 }
 
 void LayerPropertiesTest::threePagesStandInTheFormAndTheLastIsInFront()

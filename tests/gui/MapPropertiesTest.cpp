@@ -39,6 +39,7 @@ private slots:
     void cleanup();
 
     void theFormStandsAsItShould();
+    void theSlotsAreFoundByName();
     void theGridHasThreeRows();
     void theTabKeyGoesDownTheRows();
     void theMapsSettingsAreShown();
@@ -128,6 +129,18 @@ void MapPropertiesTest::theFormStandsAsItShould()
 
     QWidget parent;
     QCOMPARE(MapProperties(&canvas(), &parent).parentWidget(), &parent);
+}
+
+void MapPropertiesTest::theSlotsAreFoundByName()
+{
+    const QMetaObject& type = MapProperties::staticMetaObject;
+    QStringList methods;
+    for (int i = type.methodOffset(); i < type.methodCount(); ++i) {
+        QCOMPARE(type.method(i).methodType(), QMetaMethod::Slot);
+        QCOMPARE(type.method(i).access(), QMetaMethod::Public);
+        methods << type.method(i).methodSignature();
+    }
+    QCOMPARE(methods, QStringList({"accept()", "reject()"}));
 }
 
 void MapPropertiesTest::theGridHasThreeRows()
