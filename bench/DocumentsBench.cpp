@@ -8,8 +8,8 @@
 #include <bench/BenchResult.h>
 #include <bench/BenchStage.h>
 #include <corvane/map/Layer.h>
-#include <viewer/MapDocumentReader.h>
-#include <viewer/MapDocumentWriter.h>
+#include <viewer/maps/MapDocumentReader.h>
+#include <viewer/maps/MapDocumentWriter.h>
 
 #include <QDir>
 #include <QDomDocument>

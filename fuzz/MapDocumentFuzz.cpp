@@ -1,4 +1,4 @@
-#include <viewer/MapDocumentReader.h>
+#include <viewer/maps/MapDocumentReader.h>
 
 #include <QByteArray>
 #include <QDomDocument>

@@ -15,6 +15,23 @@ set(allowed_plugins gui browser tiles map core plugins)
 # the server has no window: of the library only what every program needs
 set(allowed_server core plugins server)
 
+# The same within viewer/: features know the maps and the frame around them, and the window, which makes
+# the features, knows all.
+set(allowed_viewer/maps maps)
+set(allowed_viewer/frame frame maps)
+foreach(feature log output places preferences session sources)
+    set(allowed_viewer/${feature} ${feature} frame maps)
+endforeach()
+set(allowed_viewer/batch batch output frame maps)
+set(allowed_viewer/cells cells places frame maps)
+set(allowed_viewer/comparing comparing frame maps)
+set(allowed_viewer/editing editing output frame maps)
+set(allowed_viewer/measuring measuring comparing places frame maps)
+set(allowed_viewer/opening opening sources frame maps)
+set(allowed_viewer/access access cells places frame maps)
+set(allowed_viewer/window window access cells comparing editing frame log maps measuring opening
+    output places preferences sources)
+
 set(wrong "")
 set(arrows 0)
 foreach(folder compat corvane/core corvane/map corvane/tiles corvane/browser corvane/gui viewer plugins server)
@@ -37,6 +54,18 @@ foreach(folder compat corvane/core corvane/map corvane/tiles corvane/browser cor
                 string(APPEND wrong "\n  ${source}: ${include}")
             endif()
         endforeach()
+    endforeach()
+endforeach()
+
+file(GLOB_RECURSE sources RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/viewer/*/*.h ${SOURCE_DIR}/viewer/*/*.cpp)
+foreach(source IN LISTS sources)
+    get_filename_component(folder ${source} DIRECTORY)
+    file(STRINGS ${SOURCE_DIR}/${source} includes REGEX "^ *# *include *<viewer/")
+    foreach(include IN LISTS includes)
+        string(REGEX MATCH "<viewer/([a-z]*)/" found "${include}")
+        if(NOT CMAKE_MATCH_1 IN_LIST allowed_${folder})
+            string(APPEND wrong "\n  ${source}: ${include}")
+        endif()
     endforeach()
 endforeach()
 

@@ -1,8 +1,8 @@
-#include <viewer/KeyboardCursor.h>
-#include <viewer/MapWindow.h>
-#include <viewer/PreferencesDialog.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/access/KeyboardCursor.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/preferences/PreferencesDialog.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/gui/MapTreeView.h>

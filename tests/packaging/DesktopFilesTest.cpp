@@ -1,4 +1,4 @@
-#include <viewer/MapDocumentWriter.h>
+#include <viewer/maps/MapDocumentWriter.h>
 
 #include <corvane/map/MapCanvas.h>
 

@@ -1,9 +1,9 @@
-#include <viewer/CellGridPanel.h>
-#include <viewer/IdentifyPanel.h>
-#include <viewer/MapWindow.h>
-#include <viewer/ProbePoint.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/cells/CellGridPanel.h>
+#include <viewer/cells/IdentifyPanel.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/cells/ProbePoint.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/gui/MapTreeView.h>

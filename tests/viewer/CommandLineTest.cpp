@@ -1,4 +1,4 @@
-#include <viewer/CommandLine.h>
+#include <viewer/batch/CommandLine.h>
 
 #include <QDir>
 #include <QtTest>

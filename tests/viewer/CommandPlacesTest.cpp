@@ -1,5 +1,5 @@
-#include <viewer/CommandPlaces.h>
-#include <viewer/Folders.h>
+#include <viewer/frame/CommandPlaces.h>
+#include <viewer/frame/Folders.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/core/LogMessageHandler.h>

@@ -1,10 +1,10 @@
-#include <viewer/FlickerBar.h>
-#include <viewer/MapDocument.h>
-#include <viewer/MapPicture.h>
-#include <viewer/MapWindow.h>
-#include <viewer/Startup.h>
-#include <viewer/SwipeDivider.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/comparing/FlickerBar.h>
+#include <viewer/maps/MapDocument.h>
+#include <viewer/output/MapPicture.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/comparing/SwipeDivider.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/gui/MapTreeView.h>

@@ -1,7 +1,7 @@
 #include "ReferencedLayer.h"
 
-#include <viewer/CoordinateForm.h>
-#include <viewer/DegreesText.h>
+#include <viewer/places/CoordinateForm.h>
+#include <viewer/places/DegreesText.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/MapView.h>

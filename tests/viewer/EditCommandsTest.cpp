@@ -1,8 +1,8 @@
 #include "OpenViewer.h"
 
-#include <viewer/MapPicture.h>
-#include <viewer/Panels.h>
-#include <viewer/Startup.h>
+#include <viewer/output/MapPicture.h>
+#include <viewer/frame/Panels.h>
+#include <viewer/batch/Startup.h>
 
 #include <corvane/gui/MapTreeView.h>
 #include <tests/support/EachInItsProcess.h>

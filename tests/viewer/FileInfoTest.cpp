@@ -1,4 +1,4 @@
-#include <viewer/FileInfo.h>
+#include <viewer/batch/FileInfo.h>
 
 #include <tests/map/TestLayers.h>
 

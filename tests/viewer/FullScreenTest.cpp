@@ -1,6 +1,6 @@
 #include "OpenViewer.h"
 
-#include <viewer/Startup.h>
+#include <viewer/batch/Startup.h>
 
 #include <corvane/map/ViewManager.h>
 #include <tests/support/EachInItsProcess.h>

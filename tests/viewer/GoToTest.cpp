@@ -1,9 +1,9 @@
 #include "ReferencedLayer.h"
 
-#include <viewer/GoToDialog.h>
-#include <viewer/MapWindow.h>
-#include <viewer/PlaceMark.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/places/GoToDialog.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/places/PlaceMark.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/MapView.h>

@@ -1,7 +1,7 @@
 #include "OpenViewer.h"
 
-#include <viewer/HelpCommands.h>
-#include <viewer/Startup.h>
+#include <viewer/window/HelpCommands.h>
+#include <viewer/batch/Startup.h>
 
 #include <tests/support/EachInItsProcess.h>
 

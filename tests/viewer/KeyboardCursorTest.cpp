@@ -1,11 +1,11 @@
 #include "TestImages.h"
 
-#include <viewer/CrosshairMark.h>
-#include <viewer/KeyboardCursor.h>
-#include <viewer/MapWindow.h>
-#include <viewer/PointerTracker.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/maps/CrosshairMark.h>
+#include <viewer/access/KeyboardCursor.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/maps/PointerTracker.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/Layer.h>

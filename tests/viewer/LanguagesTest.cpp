@@ -1,6 +1,6 @@
-#include <viewer/Languages.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/frame/Languages.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <tests/support/EachInItsProcess.h>

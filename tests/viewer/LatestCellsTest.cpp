@@ -1,4 +1,4 @@
-#include <viewer/LatestCells.h>
+#include <viewer/cells/LatestCells.h>
 
 #include <corvane/map/IRasterLayerCells.h>
 #include <tests/map/TestLayers.h>

@@ -1,10 +1,10 @@
 #include "OpenViewer.h"
 
-#include <viewer/LayerHistory.h>
-#include <viewer/MapDocument.h>
-#include <viewer/MapPicture.h>
-#include <viewer/Panels.h>
-#include <viewer/Startup.h>
+#include <viewer/editing/LayerHistory.h>
+#include <viewer/maps/MapDocument.h>
+#include <viewer/output/MapPicture.h>
+#include <viewer/frame/Panels.h>
+#include <viewer/batch/Startup.h>
 
 #include <corvane/gui/MapTreeView.h>
 #include <corvane/map/MapCanvas.h>

@@ -1,5 +1,5 @@
-#include <viewer/LayerOpener.h>
-#include <viewer/PluginListing.h>
+#include <viewer/maps/LayerOpener.h>
+#include <viewer/batch/PluginListing.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/Layer.h>

@@ -1,4 +1,4 @@
-#include <viewer/LoadProgress.h>
+#include <viewer/maps/LoadProgress.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/MapView.h>

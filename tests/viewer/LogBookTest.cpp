@@ -1,4 +1,4 @@
-#include <viewer/LogBook.h>
+#include <viewer/log/LogBook.h>
 
 #include <corvane/core/Application.h>
 

@@ -1,7 +1,7 @@
-#include <viewer/DocumentThreads.h>
-#include <viewer/LogBook.h>
-#include <viewer/LogPanel.h>
-#include <viewer/Startup.h>
+#include <viewer/maps/DocumentThreads.h>
+#include <viewer/log/LogBook.h>
+#include <viewer/log/LogPanel.h>
+#include <viewer/batch/Startup.h>
 
 #include <corvane/core/Application.h>
 

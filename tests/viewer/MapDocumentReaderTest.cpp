@@ -1,4 +1,4 @@
-#include <viewer/MapDocumentReader.h>
+#include <viewer/maps/MapDocumentReader.h>
 
 #include <QDomDocument>
 #include <QDomElement>

@@ -1,5 +1,5 @@
-#include <viewer/MapDocumentReader.h>
-#include <viewer/MapDocumentWriter.h>
+#include <viewer/maps/MapDocumentReader.h>
+#include <viewer/maps/MapDocumentWriter.h>
 
 #include <QDir>
 #include <QDomDocument>

@@ -1,9 +1,9 @@
 #include "ReferencedLayer.h"
 
-#include <viewer/CrosshairMark.h>
-#include <viewer/MapMeasuring.h>
-#include <viewer/MeasureOverlay.h>
-#include <viewer/MeasurePanel.h>
+#include <viewer/maps/CrosshairMark.h>
+#include <viewer/measuring/MapMeasuring.h>
+#include <viewer/measuring/MeasureOverlay.h>
+#include <viewer/measuring/MeasurePanel.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/MapView.h>

@@ -1,7 +1,7 @@
 #include <tests/map/MapViewTools.h>
 #include <tests/support/PointPrinter.h>
 
-#include <viewer/MapPrinting.h>
+#include <viewer/output/MapPrinting.h>
 
 #include <corvane/map/Layer.h>
 #include <corvane/map/MapView.h>

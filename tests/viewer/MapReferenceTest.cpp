@@ -1,7 +1,7 @@
 #include "ReferencedLayer.h"
 
-#include <viewer/MapReference.h>
-#include <viewer/UtmGrid.h>
+#include <viewer/places/MapReference.h>
+#include <viewer/places/UtmGrid.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/MapView.h>

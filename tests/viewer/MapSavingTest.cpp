@@ -1,11 +1,11 @@
 #include "StallingServer.h"
 #include "TestImages.h"
 
-#include <viewer/MapDocument.h>
-#include <viewer/MapWindow.h>
-#include <viewer/RecentFiles.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/maps/MapDocument.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/opening/RecentFiles.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/core/PluginManager.h>

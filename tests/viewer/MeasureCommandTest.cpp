@@ -1,9 +1,9 @@
 #include "ReferencedLayer.h"
 
-#include <viewer/MapMeasuring.h>
-#include <viewer/MapWindow.h>
-#include <viewer/MeasurePanel.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/measuring/MapMeasuring.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/measuring/MeasurePanel.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/MapView.h>

@@ -1,7 +1,7 @@
-#include <viewer/DeviceClip.h>
-#include <viewer/MapReference.h>
-#include <viewer/MeasureText.h>
-#include <viewer/Measurement.h>
+#include <viewer/comparing/DeviceClip.h>
+#include <viewer/places/MapReference.h>
+#include <viewer/measuring/MeasureText.h>
+#include <viewer/measuring/Measurement.h>
 
 #include <corvane/core/Application.h>
 

@@ -2,8 +2,8 @@
 
 #include "TestImages.h"
 
-#include <viewer/MapWindow.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/Layer.h>

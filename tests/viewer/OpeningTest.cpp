@@ -1,15 +1,15 @@
 #include "TestImages.h"
 
-#include <viewer/FileOpening.h>
-#include <viewer/FolderContents.h>
-#include <viewer/MapDocument.h>
-#include <viewer/MapWindow.h>
-#include <viewer/NoticeBar.h>
-#include <viewer/OpenAddressDialog.h>
-#include <viewer/RecentFiles.h>
-#include <viewer/Reloading.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/opening/FileOpening.h>
+#include <viewer/opening/FolderContents.h>
+#include <viewer/maps/MapDocument.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/frame/NoticeBar.h>
+#include <viewer/opening/OpenAddressDialog.h>
+#include <viewer/opening/RecentFiles.h>
+#include <viewer/opening/Reloading.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/Layer.h>

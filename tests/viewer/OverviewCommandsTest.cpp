@@ -1,10 +1,10 @@
 #include "TestImages.h"
 
-#include <viewer/MapNotice.h>
-#include <viewer/MapWindow.h>
-#include <viewer/Startup.h>
-#include <viewer/Tasks.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/maps/MapNotice.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/frame/Tasks.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/ILayerOverviews.h>

@@ -1,4 +1,4 @@
-#include <viewer/PlaceText.h>
+#include <viewer/places/PlaceText.h>
 
 #include <corvane/core/Application.h>
 

@@ -1,11 +1,11 @@
-#include <viewer/ColorScheme.h>
-#include <viewer/CommandKeys.h>
-#include <viewer/Folders.h>
-#include <viewer/Languages.h>
-#include <viewer/MapWindow.h>
-#include <viewer/PreferencesDialog.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/preferences/ColorScheme.h>
+#include <viewer/frame/CommandKeys.h>
+#include <viewer/frame/Folders.h>
+#include <viewer/frame/Languages.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/preferences/PreferencesDialog.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/gui/ColorButton.h>

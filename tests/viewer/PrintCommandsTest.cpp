@@ -4,11 +4,11 @@
 #include <tests/support/PdfPixels.h>
 #include <tests/support/PrinterQueue.h>
 
-#include <viewer/MapPicture.h>
-#include <viewer/MapWindow.h>
-#include <viewer/PrintCommands.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/output/MapPicture.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/output/PrintCommands.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/Layer.h>

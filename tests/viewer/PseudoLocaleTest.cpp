@@ -1,10 +1,10 @@
 #include "DialogLooks.h"
 #include "TestImages.h"
 
-#include <viewer/MapWindow.h>
-#include <viewer/PreferencesDialog.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/preferences/PreferencesDialog.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/gui/MapTreeView.h>

@@ -3,7 +3,7 @@
 #include "ViewerRun.h"
 
 #include <tests/support/PdfPixels.h>
-#include <viewer/InfoText.h>
+#include <viewer/batch/InfoText.h>
 
 #include <QFile>
 #include <QJsonArray>

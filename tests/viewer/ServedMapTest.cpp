@@ -1,5 +1,5 @@
-#include <viewer/MapWindow.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/browser/ZWTPBrowser.h>
 #include <corvane/core/Application.h>

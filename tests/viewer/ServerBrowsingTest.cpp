@@ -1,4 +1,4 @@
-#include <viewer/ServerBrowsing.h>
+#include <viewer/opening/ServerBrowsing.h>
 
 #include <corvane/browser/ZWTPBrowser.h>
 #include <tests/browser/BrowserStage.h>

@@ -2,14 +2,14 @@
 #include "TestImages.h"
 #include "WindowProcess.h"
 
-#include <viewer/MapDocument.h>
-#include <viewer/MapWindow.h>
-#include <viewer/NoticeBar.h>
-#include <viewer/Secrets.h>
-#include <viewer/SessionFolder.h>
-#include <viewer/SessionKeeper.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/maps/MapDocument.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/frame/NoticeBar.h>
+#include <viewer/maps/Secrets.h>
+#include <viewer/session/SessionFolder.h>
+#include <viewer/session/SessionKeeper.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/Layer.h>

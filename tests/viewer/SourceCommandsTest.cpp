@@ -1,14 +1,14 @@
 #include "TestImages.h"
 
-#include <viewer/MapDocument.h>
-#include <viewer/MapWindow.h>
-#include <viewer/Panels.h>
-#include <viewer/SourceCommands.h>
-#include <viewer/SourceTexts.h>
-#include <viewer/SourceWatch.h>
-#include <viewer/SourcesPanel.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/maps/MapDocument.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/frame/Panels.h>
+#include <viewer/sources/SourceCommands.h>
+#include <viewer/sources/SourceTexts.h>
+#include <viewer/sources/SourceWatch.h>
+#include <viewer/sources/SourcesPanel.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/Layer.h>

@@ -1,5 +1,5 @@
-#include <viewer/InstanceLink.h>
-#include <viewer/Sources.h>
+#include <viewer/opening/InstanceLink.h>
+#include <viewer/sources/Sources.h>
 
 #include <QDir>
 #include <QMimeData>

@@ -1,4 +1,4 @@
-#include <viewer/Startup.h>
+#include <viewer/batch/Startup.h>
 
 #include <QLoggingCategory>
 #include <QtTest>

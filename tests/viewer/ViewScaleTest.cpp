@@ -1,7 +1,7 @@
 #include "ReferencedLayer.h"
 
-#include <viewer/NumberText.h>
-#include <viewer/ViewScale.h>
+#include <viewer/places/NumberText.h>
+#include <viewer/places/ViewScale.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/MapView.h>

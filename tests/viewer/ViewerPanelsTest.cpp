@@ -1,8 +1,8 @@
 #include "TestImages.h"
 
-#include <viewer/MapWindow.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/gui/HistogramDisplay.h>

@@ -1,9 +1,9 @@
 #include "ReferencedLayer.h"
 
-#include <viewer/MapWindow.h>
-#include <viewer/PointerTracker.h>
-#include <viewer/ScaleBox.h>
-#include <viewer/ViewerStatusBar.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/maps/PointerTracker.h>
+#include <viewer/places/ScaleBox.h>
+#include <viewer/window/ViewerStatusBar.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/MapView.h>

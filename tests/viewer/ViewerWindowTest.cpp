@@ -1,10 +1,10 @@
 #include "StallingServer.h"
 #include "TestImages.h"
 
-#include <viewer/MapPicture.h>
-#include <viewer/MapWindow.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/output/MapPicture.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/Layer.h>

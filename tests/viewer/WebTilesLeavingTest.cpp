@@ -1,9 +1,9 @@
 #include <tests/plugins/LayerProbe.h>
 #include <tests/plugins/WebTileTools.h>
 
-#include <viewer/MapWindow.h>
-#include <viewer/Startup.h>
-#include <viewer/ViewerWindow.h>
+#include <viewer/maps/MapWindow.h>
+#include <viewer/batch/Startup.h>
+#include <viewer/window/ViewerWindow.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/map/Layer.h>

@@ -1,8 +1,8 @@
 #include "OpenViewer.h"
 
-#include <viewer/MapDocument.h>
-#include <viewer/MapPicture.h>
-#include <viewer/Startup.h>
+#include <viewer/maps/MapDocument.h>
+#include <viewer/output/MapPicture.h>
+#include <viewer/batch/Startup.h>
 
 #include <tests/support/EachInItsProcess.h>
 
