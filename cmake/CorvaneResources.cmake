@@ -38,10 +38,12 @@ set(CORVANE_ICONS
     icons/24x24/document_view
     icons/24x24/fit_to_size
     icons/24x24/folder_add
+    icons/24x24/go_to
     icons/24x24/hand_point
     icons/24x24/help
     icons/24x24/help_web
     icons/24x24/link
+    icons/24x24/measure
     icons/24x24/monitor
     icons/24x24/navigate_down
     icons/24x24/navigate_down2

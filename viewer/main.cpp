@@ -1,3 +1,4 @@
+#include <viewer/batch/BatchSources.h>
 #include <viewer/batch/CommandLine.h>
 #include <viewer/batch/ConsoleLog.h>
 #include <viewer/batch/FileInfo.h>
@@ -38,6 +39,12 @@ constexpr int longestFarewellMilliseconds = 3000;
 void print(const QByteArray& text)
 {
     std::fwrite(text.constData(), 1, std::size_t(text.size()), stdout);
+}
+
+ViewerOptions withImagesOfFolders(ViewerOptions options)
+{
+    options.files = batchSources(options.files, options.timeout);
+    return options;
 }
 
 int renderSnapshot(const ViewerOptions& options)
@@ -121,9 +128,9 @@ int run(const ViewerOptions& options)
         }
         return Done;
     case ViewerOptions::Info:
-        return printInfo(options);
+        return printInfo(withImagesOfFolders(options));
     case ViewerOptions::Snapshot:
-        return renderSnapshot(options);
+        return renderSnapshot(withImagesOfFolders(options));
     case ViewerOptions::ShowWindow:
         break;
     }

@@ -6,6 +6,7 @@
 
 #include <corvane/map/ViewManager.h>
 
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -109,6 +110,7 @@ private slots:
     void informationAboutAServerThatSaysNothingEndsWithTwo();
     void informationIsExactJson();
     void informationNamesFilesThatFail();
+    void aFolderStandsForItsImages();
     void tileLinesComeOnlyWhenAskedFor();
 
 private:
@@ -544,6 +546,25 @@ void ViewerProgramTest::informationNamesFilesThatFail()
     QCOMPARE(files[1].toObject().keys(), QStringList({"error", "file"}));
     QCOMPARE(files[1].toObject()["file"].toString(), path("missing.tif"));
     QVERIFY(!files[1].toObject()["error"].toString().isEmpty());
+}
+
+void ViewerProgramTest::aFolderStandsForItsImages()
+{
+    QTemporaryDir images;
+    const QDir inside(images.path());
+    for (const char* name : {"sheet10.tif", "sheet9.tif"}) {
+        QVERIFY(QFile::copy(path("plain.tif"), inside.filePath(name)));
+    }
+    const Run run = runViewer({"--info", images.path()});
+    QVERIFY2(run.exitCode == 0, run.errors);
+    const QJsonArray files = QJsonDocument::fromJson(run.output).array();
+    QCOMPARE(files.size(), 2);
+    QCOMPARE(files[0].toObject()["file"].toString(), inside.filePath("sheet9.tif"));
+    QCOMPARE(files[1].toObject()["file"].toString(), inside.filePath("sheet10.tif"));
+
+    const Run rendering = runViewer({"--render", picture, images.path()});
+    QVERIFY2(rendering.exitCode == 0, rendering.errors);
+    QVERIFY(!QImage(picture).isNull());
 }
 
 void ViewerProgramTest::tileLinesComeOnlyWhenAskedFor()
