@@ -6,6 +6,8 @@
 #include <cpl_error.h>
 #include <cpl_vsi.h>
 
+#include <QDir>
+#include <QDomElement>
 #include <QRegularExpression>
 #include <QStringList>
 #include <QUrl>
@@ -22,6 +24,16 @@ void setOption(const char* name, const char* value)
     if (!CPLGetConfigOption(name, nullptr)) { // the user's own setting goes first
         CPLSetConfigOption(name, value);
     }
+}
+
+// Where the name of a virtual file system begins that reads over the network, which may stand within
+// that of an archive: "/vsizip//vsicurl/http://server/archive.zip/image.tif". -1 without one.
+int remoteSystem(const QString& name)
+{
+    static const QRegularExpression system(
+        QStringLiteral("/vsi(?:curl|s3|gs|az|adls|oss|swift|webhdfs)"),
+        QRegularExpression::CaseInsensitiveOption);
+    return name.startsWith(QLatin1String("/vsi"), Qt::CaseInsensitive) ? name.indexOf(system) : -1;
 }
 
 } // namespace
@@ -68,14 +80,12 @@ QString GdalErrors::text() const
 
 bool isRemote(const QString& dataSource)
 {
-    static const QStringList prefixes = {
-        QStringLiteral("http://"),    QStringLiteral("https://"), QStringLiteral("s3://"),
-        QStringLiteral("/vsicurl"),   QStringLiteral("/vsis3"),   QStringLiteral("/vsigs"),
-        QStringLiteral("/vsiaz"),     QStringLiteral("/vsioss"),  QStringLiteral("/vsiswift"),
-        QStringLiteral("/vsiwebhdfs")};
-    return std::any_of(prefixes.begin(), prefixes.end(), [&dataSource](const QString& prefix) {
-        return dataSource.startsWith(prefix, Qt::CaseInsensitive);
-    });
+    static const QStringList prefixes = {QStringLiteral("http://"), QStringLiteral("https://"),
+                                         QStringLiteral("s3://")};
+    return remoteSystem(dataSource) >= 0 ||
+           std::any_of(prefixes.begin(), prefixes.end(), [&dataSource](const QString& prefix) {
+               return dataSource.startsWith(prefix, Qt::CaseInsensitive);
+           });
 }
 
 bool isPlainFile(const QString& dataSource)
@@ -88,7 +98,7 @@ bool isPlainFile(const QString& dataSource)
 QString protocolOf(const QString& dataSource)
 {
     if (dataSource.startsWith(QLatin1String("s3://"), Qt::CaseInsensitive) ||
-        dataSource.startsWith(QLatin1String("/vsis3")))
+        dataSource.mid(remoteSystem(dataSource)).startsWith(QLatin1String("/vsis3")))
     {
         return QStringLiteral("s3");
     }
@@ -106,7 +116,11 @@ bool mayPass(const QString& error)
 
 void forgetRemote(const QString& name)
 {
-    VSICurlPartialClearCache(name.toUtf8().constData());
+    // of an archive all that is known of its server: nothing tells where the archive's own name ends
+    static const QRegularExpression server(QStringLiteral("^/[^/]+/(?:https?://)?[^/]+"));
+    const int begin = remoteSystem(name);
+    const QString known = begin > 0 ? server.match(name.mid(begin)).captured() : name;
+    VSICurlPartialClearCache(known.toUtf8().constData());
 }
 
 QString gdalName(const QString& dataSource)
@@ -123,6 +137,17 @@ QString gdalName(const QString& dataSource)
         return QUrl(dataSource).toLocalFile();
     }
     return dataSource;
+}
+
+QString nameForGdal(const QDomNode& element, const QDir& baseDir)
+{
+    const QString name =
+        element.lastChildElement(QStringLiteral("datasource")).attribute(QStringLiteral("value"));
+    if (!isPlainFile(name)) {
+        return name;
+    }
+    const bool isMissing = !name.isEmpty() && !baseDir.exists(name);
+    return isMissing ? QDir::cleanPath(baseDir.absoluteFilePath(name)) : QString();
 }
 
 SystemName nameOf(OGRSpatialReferenceH system)

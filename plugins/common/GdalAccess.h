@@ -7,6 +7,9 @@
 
 #include <memory>
 
+class QDir;
+class QDomNode;
+
 namespace Corvane::Map {
 
 /// Registers the drivers and sets the options of the process, once. Any thread.
@@ -50,6 +53,11 @@ bool mayPass(const QString& error);
 void forgetRemote(const QString& name);
 /// The name that GDAL opens: URLs go through its virtual file systems.
 QString gdalName(const QString& dataSource);
+
+/// The source that a document's layer element names, where the base class would lose it, which looks
+/// for relative files: what only GDAL understands, and a file that is missing, which keeps the name
+/// that it would have. Empty for others.
+QString nameForGdal(const QDomNode& element, const QDir& baseDir);
 
 /// What a coordinate system is called and its EPSG code, 0 where it has none.
 struct SystemName

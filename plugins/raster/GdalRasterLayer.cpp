@@ -16,11 +16,7 @@
 #include <corvane/map/GeoImage.h>
 #include <corvane/map/GeoPainter.h>
 
-#include <cpl_vsi.h>
-
 #include <QDateTime>
-#include <QDir>
-#include <QDomElement>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -187,7 +183,7 @@ void GdalRasterLayer::closeSource()
 void GdalRasterLayer::forgetSource()
 {
     if (isRemote(dataSource)) {
-        VSICurlPartialClearCache(gdalName(dataSource).toUtf8().constData());
+        forgetRemote(gdalName(dataSource));
     }
 }
 
@@ -208,17 +204,9 @@ qint8 GdalRasterLayer::getPercentComplete()
     return static_cast<qint8>(opening ? 0 : view.percentComplete());
 }
 
-// Two names would not get through the base class, which looks for relative files: what only GDAL
-// understands, and a file that is missing, which keeps the name that it would have.
 bool GdalRasterLayer::readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMessage)
 {
-    const QString name =
-        theNode.lastChildElement(QStringLiteral("datasource")).attribute(QStringLiteral("value"));
-    if (!isPlainFile(name)) {
-        nameInDocument = name;
-    } else if (!name.isEmpty() && !baseDir.exists(name)) {
-        nameInDocument = QDir::cleanPath(baseDir.absoluteFilePath(name));
-    }
+    nameInDocument = nameForGdal(theNode, baseDir);
     const bool read = TiledRasterLayer::readXML(theNode, baseDir, pErrorMessage);
     nameInDocument.clear();
     return read;

@@ -80,14 +80,15 @@ void GeometryParts::addPolygon(OGRGeometryH polygon)
 
 bool GeometryParts::addPart(OGRGeometryH geometry, std::size_t least, bool closed, List* list)
 {
+    if (OGR_G_IsEmpty(geometry)) { // of an empty point the coordinates would be (0, 0)
+        return false;
+    }
     const std::size_t begin = list->xs.size();
     const auto count = static_cast<std::size_t>(OGR_G_GetPointCount(geometry));
     list->xs.resize(begin + count);
     list->ys.resize(begin + count);
-    if (count > 0) {
-        OGR_G_GetPoints(geometry, list->xs.data() + begin, sizeof(double), list->ys.data() + begin,
-                        sizeof(double), nullptr, 0);
-    }
+    OGR_G_GetPoints(geometry, list->xs.data() + begin, sizeof(double), list->ys.data() + begin,
+                    sizeof(double), nullptr, 0);
     std::size_t end = begin;
     for (std::size_t i = begin; i < begin + count; ++i) {
         if (isUsableCoordinate(list->xs[i]) && isUsableCoordinate(list->ys[i])) {

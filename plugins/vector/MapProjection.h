@@ -22,7 +22,8 @@ public:
     MapProjection(const MapProjection&) = delete;
     MapProjection& operator=(const MapProjection&) = delete;
 
-    /// Brings the positions over in place. What cannot be brought over is marked with 0.
+    /// Brings the positions over in place. What cannot be brought over is marked with 0. Longitudes
+    /// beyond 180 degrees lie beyond the end of a map of the world, not at its other end.
     std::vector<int> transform(std::vector<double>* xs, std::vector<double>* ys) const;
     /// The box around what the box becomes; empty where that is nowhere or endless.
     WorldBox transform(const WorldBox& box) const;
@@ -35,6 +36,7 @@ private:
 
     void* handle; // an OGRCoordinateTransformationH; owned
     WorldBox reach;
+    double turn = 0.0; // once round the world, in the map's units; 0 where it does not go on
 };
 
 } // namespace Corvane::Map

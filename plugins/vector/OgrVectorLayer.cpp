@@ -69,6 +69,9 @@ OgrVectorLayer::~OgrVectorLayer()
 
 bool OgrVectorLayer::setDataSource(QString newSource)
 {
+    if (!nameInDocument.isEmpty()) {
+        newSource = nameInDocument;
+    }
     static const QString objectStore = QStringLiteral("/vsis3/");
     if (newSource.startsWith(objectStore)) { // kept in the form that people know
         newSource.replace(0, objectStore.size(), QStringLiteral("s3://"));
@@ -254,32 +257,39 @@ void OgrVectorLayer::takeRead()
     if (!reading) {
         return; // told late, of a reading that was given up
     }
-    ChunkList news = reading->takeChunks();
+    const ChunkList news = reading->takeChunks();
     const bool ended = reading->isDone();
     incoming.insert(incoming.end(), news.begin(), news.end());
     leftOut = reading->getLeftOut();
     if (ended) {
-        const QString failure = reading->getFailure();
-        if (!failure.isEmpty()) {
-            lastError = failure;
-            Application::logMessage(QStringLiteral("cannot read %1: %2").arg(dataSource, failure),
-                                    LogLevel::Warning, QDateTime::currentDateTime());
-        }
-        reading->abandon(); // its thread may be about to tell what has been seen here
-        reading.reset();
+        endReading();
+    } else if (!replaces && !news.empty()) {
+        view.setChunks(incoming, true, false);
     }
-    if (ended || (!replaces && !news.empty())) {
-        view.setChunks(incoming, !ended, false);
+}
+
+// Where nothing came of reading once more, what was read before stays.
+void OgrVectorLayer::endReading()
+{
+    const QString failure = reading->getFailure();
+    reading->abandon(); // its thread may be about to tell what has been seen here
+    reading.reset();
+    if (!failure.isEmpty()) {
+        lastError = failure;
+        Application::logMessage(QStringLiteral("cannot read %1: %2").arg(dataSource, failure),
+                                LogLevel::Warning, QDateTime::currentDateTime());
     }
-    if (ended) {
-        WorldBox seen;
-        for (const auto& chunk : incoming) {
-            seen.add(chunk->getBox());
-        }
-        extent = seen.isEmpty() ? extent : seen.within(reach);
-        incoming.clear();
-        refreshAll();
+    const ChunkList all = std::exchange(incoming, {});
+    if (all.empty() && replaces && !failure.isEmpty()) {
+        return;
     }
+    view.setChunks(all, false, false);
+    WorldBox seen;
+    for (const auto& chunk : all) {
+        seen.add(chunk->getBox());
+    }
+    extent = seen.isEmpty() ? extent : seen.within(reach);
+    refreshAll();
 }
 
 void OgrVectorLayer::takeDrawn()
@@ -386,19 +396,12 @@ bool OgrVectorLayer::readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMe
     }
     QDomNode node = withoutSourceProperty(theNode);
     removePens(node);
-    for (QDomElement child = node.firstChildElement(QStringLiteral("datasource")); !child.isNull();
-         child = child.nextSiblingElement(QStringLiteral("datasource")))
-    {
-        const QString value = child.attribute(QStringLiteral("value"));
-        if (value.startsWith(QLatin1String("s3://"), Qt::CaseInsensitive)) {
-            // the base class would take it for a relative path
-            child.setAttribute(QStringLiteral("value"), gdalName(value));
-        }
-    }
+    nameInDocument = nameForGdal(node, baseDir);
     const OpeningPatience::Document document;
     if (!VectorLayer::readXML(node, baseDir, pErrorMessage) && pErrorMessage) {
         tellWhyNotOpen(node, *this, pErrorMessage);
     }
+    nameInDocument.clear();
     return true;
 }
 

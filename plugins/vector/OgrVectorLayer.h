@@ -21,8 +21,9 @@ struct VectorFacts;
 /// A layer of whatever vector source OGR opens. Its features are read on the pool when it is first
 /// looked at, brought to the map's reference where both are known, kept in memory with an index, and
 /// drawn on the pool. What does not fit into "Plugins/Vector/MemoryBudgetMB" for a layer, else a
-/// quarter of the machine's memory, is not read, and getLastError says so. A source that does not open at once is opened behind the scenes; the layer is
-/// then not valid until sourceOpened tells how it ended. May be deleted at any time.
+/// quarter of the machine's memory, is not read, and getLastError says so. A source that does not open
+/// at once is opened behind the scenes; the layer is then not valid until sourceOpened tells how it
+/// ended. May be deleted at any time.
 class OgrVectorLayer : public VectorLayer, public ILayerSource
 {
     Q_OBJECT
@@ -145,12 +146,14 @@ private:
     void readAgain(bool fresh);
     void startReading();
     void stopReading();
+    void endReading();
     void waitForFeatures();
     VectorStyle currentStyle();
     void refreshAll();
 
     QString dataSource;
-    OpeningRetry retry; // of a remote source
+    QString nameInDocument; // while a document is read whose name the base class would lose
+    OpeningRetry retry;     // of a remote source
     QString lastError;
     QString layerName; // as chosen; empty for the first
     QString labelField;

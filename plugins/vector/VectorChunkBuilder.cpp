@@ -8,6 +8,27 @@
 
 namespace Corvane::Map {
 
+namespace {
+
+constexpr int longestLabel = 100; // letters; a longer one would hardly find a place
+constexpr uint mostBytes = 1024;  // of a text that are looked at
+constexpr ushort ellipsis = 0x2026;
+
+// One line of a text that may have megabytes.
+QByteArray labelOf(const char* text)
+{
+    QString line =
+        QString::fromUtf8(text, static_cast<int>(qstrnlen(text, mostBytes))).simplified();
+    if (line.size() > longestLabel) {
+        line.truncate(longestLabel - 1);
+        line.chop(line.at(line.size() - 1).isHighSurrogate() ? 1 : 0);
+        line.append(QChar(ellipsis));
+    }
+    return line.toUtf8();
+}
+
+} // namespace
+
 VectorChunkBuilder::VectorChunkBuilder(bool labels) : withLabels(labels)
 {
     start();
@@ -46,7 +67,7 @@ bool VectorChunkBuilder::add(OGRGeometryH geometry, const char* label)
     featureOf.resize(after, features);
     ++features;
     if (withLabels) { // the first shape of a feature carries its label
-        chunk->labelText.append(label);
+        chunk->labelText.append(labelOf(label));
         chunk->labelBegins.resize(after + 1, static_cast<std::uint32_t>(chunk->labelText.size()));
     }
     return true;

@@ -16,7 +16,8 @@ public:
     explicit VectorChunkBuilder(bool withLabels);
     ~VectorChunkBuilder();
 
-    /// False where there is nothing of it that could be drawn. label: UTF-8.
+    /// False where there is nothing of it that could be drawn. label: UTF-8, of which a short line is
+    /// kept.
     bool add(OGRGeometryH geometry, const char* label);
     std::size_t countVertices() const;
     /// The chunk, brought over to another reference first where projection is not null; what that

@@ -793,6 +793,15 @@ void GdalRasterLayerTest::addressesGoThroughTheirFileSystems_data()
                                      << "/vsis3/b/k/a.tif" << true << "s3";
     QTest::newRow("a file address") << "file:///data/a.tif"
                                     << "/data/a.tif" << false << "file";
+    QTest::newRow("an archive on a server")
+        << "/vsizip//vsicurl/http://h/a.zip/a.tif"
+        << "/vsizip//vsicurl/http://h/a.zip/a.tif" << true << "http";
+    QTest::newRow("an archive in an object store") << "/vsigzip//vsis3/b/a.tif.gz"
+                                                   << "/vsigzip//vsis3/b/a.tif.gz" << true << "s3";
+    QTest::newRow("an archive of this machine") << "/vsizip//data/a.zip/a.tif"
+                                                << "/vsizip//data/a.zip/a.tif" << false << "file";
+    QTest::newRow("a folder of such a name") << "/data/vsicurl/a.tif"
+                                             << "/data/vsicurl/a.tif" << false << "file";
     QTest::newRow("a part of a container") << "NETCDF:\"a.nc\":v"
                                            << "NETCDF:\"a.nc\":v" << false << "file";
 }

@@ -97,6 +97,8 @@ private slots:
     void labelsDoNotOverlap();
     void theLargerShapeHasItsLabelFirst();
     void labelsAreReadAsUtf8();
+    void aLabelIsOneShortLine_data();
+    void aLabelIsOneShortLine();
 
     void paperGetsTheShapesThemselves();
     void aStripOfAPageHoldsItsPartOnly();
@@ -600,6 +602,37 @@ void VectorDrawingTest::theLargerShapeHasItsLabelFirst()
     };
     QCOMPARE(drawLabels({"small", "large"}, {1.0, 9.0}), drawLabels({"large"}, {9.0}));
     QCOMPARE(drawLabels({"first", "second"}, {1.0, 1.0}), drawLabels({"first"}, {1.0}));
+}
+
+void VectorDrawingTest::aLabelIsOneShortLine_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QString>("label");
+    const QString dots = QString::fromUtf8("\342\200\246");
+    const QString theta = QString::fromUtf8("\316\270");
+    QTest::newRow("a short one") << "Main Street"
+                                 << "Main Street";
+    QTest::newRow("as long as can be") << QString(100, 'x') << QString(100, 'x');
+    QTest::newRow("a letter longer") << QString(101, 'x') << QString(99, 'x') + dots;
+    QTest::newRow("megabytes") << QString(3 << 20, 'x') << QString(99, 'x') + dots;
+    QTest::newRow("letters of several bytes") << theta.repeated(500) << theta.repeated(99) + dots;
+    QTest::newRow("several lines") << " one\n\ttwo  three\r\n"
+                                   << "one two three";
+    QTest::newRow("nothing but blanks") << QString(1000, ' ') << QString();
+}
+
+// No longer one has room anywhere, and a map may have millions.
+void VectorDrawingTest::aLabelIsOneShortLine()
+{
+    QFETCH(QString, value);
+    VectorChunkBuilder builder(true);
+    OGRGeometryH point = OGR_G_CreateGeometry(wkbPoint);
+    OGR_G_SetPoint_2D(point, 0, 1.0, 2.0);
+    QVERIFY(builder.add(point, value.toUtf8().constData()));
+    OGR_G_DestroyGeometry(point);
+    const auto chunk = builder.finish(nullptr, nullptr);
+    QTEST(chunk->labelOf(0), "label");
+    QVERIFY(chunk->getBytes() < 2000);
 }
 
 void VectorDrawingTest::labelsAreReadAsUtf8()

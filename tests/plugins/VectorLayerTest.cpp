@@ -46,6 +46,7 @@ private slots:
     void showsTheLayerThatIsChosen();
     void choosingAnotherLayerOpensItAtOnce();
     void takesTheOnlyLayerUnderAnyName();
+    void opensAFileWithinAnArchive();
     void refusesWhatIsNoVectorSource_data();
     void refusesWhatIsNoVectorSource();
     void leavesSourcesOfOtherPluginsAloneWithoutAWord();
@@ -56,9 +57,12 @@ private slots:
     void leavesOutWhatCannotBeDrawn_data();
     void leavesOutWhatCannotBeDrawn();
     void leavesNumbersThatAreNoneOut();
+    void emptyMembersOfACollectionAreNowhere_data();
+    void emptyMembersOfACollectionAreNowhere();
     void countsWhatIsLeftOutInOneLine();
     void readsOnlyWhenItIsLookedAt();
     void readsNoMoreThanItsMemoryHolds();
+    void keepsWhatItShowsWhereItCannotBeReadAgain();
     void asksForARepaintUntilAllIsDrawn();
     void aHiddenLayerTakesTheViewWhenItIsShown();
     void changesOfStyleAskForARepaint();
@@ -69,11 +73,15 @@ private slots:
     void staysWhereItIsWithoutAReference();
     void leavesOutWhatHasNoPlaceInTheMap();
     void endsWhereTheMapsReferenceEnds();
+    void spansTheWorldInDegreesWhereItCrossesTheDateLine();
+    void goesOnBeyondTheDateLine_data();
+    void goesOnBeyondTheDateLine();
     void saysWhyAReferenceCannotBeReached();
 
     void aLayerElementHoldsPenAndBrush();
     void aDocumentGivesTheLayerBackAsItWas();
-    void aDocumentNamesWhatDoesNotOpen();
+    void aDocumentKeepsTheNameOfWhatDoesNotOpen_data();
+    void aDocumentKeepsTheNameOfWhatDoesNotOpen();
 
 private:
     QString file(const QString& name) const { return folder.filePath(name); }
@@ -246,6 +254,23 @@ void VectorLayerTest::takesTheOnlyLayerUnderAnyName()
     QCOMPARE(layer.getLayerName(), QString("shapes"));
 }
 
+void VectorLayerTest::opensAFileWithinAnArchive()
+{
+    VectorRecipe recipe = shapes({"POLYGON((10 20,30 20,30 60,10 60,10 20))"});
+    recipe.driver = "GeoJSON";
+    recipe.epsg = 4326;
+    const QString path = "/vsizip/" + file("packed.zip") + "/inner/a.geojson";
+    QVERIFY(makeVectors(path, recipe));
+    OgrVectorLayer layer;
+    QVERIFY(open(layer, path));
+    QCOMPARE(layer.getDataSource(), path);
+    QCOMPARE(layer.getBounds(), QRectF(10.0, 60.0, 20.0, -40.0));
+    QVERIFY(inked(complete(layer, WorldView())) > 0);
+    OgrVectorLayer missing;
+    QVERIFY(!open(missing, "/vsizip/" + file("packed.zip") + "/inner/b.geojson"));
+    QVERIFY(!missing.getLastError().isEmpty());
+}
+
 void VectorLayerTest::refusesWhatIsNoVectorSource_data()
 {
     QTest::addColumn<QString>("source");
@@ -394,6 +419,35 @@ void VectorLayerTest::leavesNumbersThatAreNoneOut()
     QCOMPARE(layer.getLeftOut(), 2);
 }
 
+void VectorLayerTest::emptyMembersOfACollectionAreNowhere_data()
+{
+    QTest::addColumn<QString>("wkt");
+    QTest::newRow("a point among points") << "MULTIPOINT(EMPTY,(50 60))";
+    QTest::newRow("a point beside a line")
+        << "GEOMETRYCOLLECTION(POINT EMPTY,LINESTRING(50 60,50 60))";
+    QTest::newRow("a line among lines") << "MULTILINESTRING(EMPTY,(50 60,50 60))";
+    QTest::newRow("a polygon among polygons")
+        << "MULTIPOLYGON(EMPTY,((50 60,50 60,50 60,50 60)),((50 60,51 60,50 61,50 60)))";
+    QTest::newRow("a point with heights and measures") << "MULTIPOINT ZM(EMPTY,(50 60 7 8))";
+}
+
+// From text: binary formats have other numbers there.
+void VectorLayerTest::emptyMembersOfACollectionAreNowhere()
+{
+    QFETCH(QString, wkt);
+    QFile table(file(QString("members%1.csv").arg(qHash(wkt))));
+    QVERIFY(table.open(QIODevice::WriteOnly));
+    table.write("id,wkt\n1,\"" + wkt.toUtf8() + "\"\n");
+    table.close();
+    OgrVectorLayer layer;
+    QVERIFY(open(layer, table.fileName()));
+    complete(layer, WorldView());
+    QCOMPARE(int(layer.getLeftOut()), 0);
+    const QRectF bounds = layer.getBounds();
+    QVERIFY2(bounds.left() > 49.9 && bounds.bottom() > 59.9, // a lone point has space around
+             qPrintable(QString("%1 %2").arg(bounds.left()).arg(bounds.bottom())));
+}
+
 void VectorLayerTest::countsWhatIsLeftOutInOneLine()
 {
     const QString path =
@@ -441,6 +495,23 @@ void VectorLayerTest::readsNoMoreThanItsMemoryHolds()
         const int row = 180 - 40 * i;
         QCOMPARE(inked(picture.copy(100, row - 2, 1, 4)) > 0, i < 3);
     }
+}
+
+void VectorLayerTest::keepsWhatItShowsWhereItCannotBeReadAgain()
+{
+    const QString path =
+        made("vanishes.gpkg", shapes({"POLYGON((10 10,90 10,90 90,10 90,10 10))"}));
+    OgrVectorLayer layer;
+    QVERIFY(open(layer, path));
+    const QImage before = complete(layer, WorldView());
+    const QRectF bounds = layer.getBounds();
+    QVERIFY(inked(before) > 0);
+    QVERIFY(QFile::remove(path));
+    layer.setLabelField("name"); // which nobody has read
+    QCOMPARE(complete(layer, WorldView()), before);
+    QCOMPARE(layer.getBounds(), bounds);
+    QVERIFY(!layer.getLastError().isEmpty());
+    QVERIFY(layer.getBytes() > 0);
 }
 
 void VectorLayerTest::asksForARepaintUntilAllIsDrawn()
@@ -642,6 +713,70 @@ void VectorLayerTest::endsWhereTheMapsReferenceEnds()
     QCOMPARE(layer.getLeftOut(), 0);
 }
 
+void VectorLayerTest::spansTheWorldInDegreesWhereItCrossesTheDateLine()
+{
+    VectorRecipe recipe = shapes({"POINT(2226389.8 0)", "POINT(4452779.6 0)"});
+    recipe.epsg = 3832; // Mercator around 150 degrees east: these lie at 170 and -170
+    OgrVectorLayer layer;
+    QVERIFY(open(layer, made("pacific.gpkg", recipe)));
+    SpatialReference degrees;
+    degrees.setEpsg(4326);
+    layer.setSpatialRef(degrees);
+    QCOMPARE(layer.getBounds().left(), -180.0);
+    QCOMPARE(layer.getBounds().right(), 180.0);
+}
+
+void VectorLayerTest::goesOnBeyondTheDateLine_data()
+{
+    QTest::addColumn<QString>("wkt");
+    QTest::addColumn<int>("target");
+    QTest::addColumn<double>("left");
+    QTest::addColumn<double>("right");
+    const double degree = 111319.490793;
+    QTest::newRow("eastward to Mercator")
+        << "POLYGON((170 10,190 10,190 20,170 20,170 10))" << 3857 << 170 * degree << 190 * degree;
+    QTest::newRow("westward to Mercator") << "POLYGON((-190 10,-170 10,-170 20,-190 20,-190 10))"
+                                          << 3857 << -190 * degree << -170 * degree;
+    QTest::newRow("up to it") << "POLYGON((-180 10,180 10,180 20,-180 20,-180 10))" << 3857
+                              << -180 * degree << 180 * degree;
+    QTest::newRow("to other degrees")
+        << "POLYGON((170 10,190 10,190 20,170 20,170 10))" << 4258 << 170.0 << 190.0;
+}
+
+// The shape stays as wide as it is: it does not run round the world the other way.
+void VectorLayerTest::goesOnBeyondTheDateLine()
+{
+    QFETCH(QString, wkt);
+    QFETCH(int, target);
+    QFETCH(double, left);
+    QFETCH(double, right);
+    VectorRecipe recipe = shapes({wkt});
+    recipe.epsg = 4326;
+    OgrVectorLayer layer;
+    QVERIFY(open(layer, made(QString("line%1%2.gpkg").arg(qHash(wkt)).arg(target), recipe)));
+    SpatialReference reference;
+    reference.setEpsg(target);
+    layer.setSpatialRef(reference);
+    layer.setProgressive(false);
+    QBrush filled(Qt::black);
+    layer.setBrush(filled);
+    const double world = target == 3857 ? 4.2e7 : 400.0;
+    const WorldView view{400, 400, -world / 2, world / 2, world / 400};
+    const QImage picture = complete(layer, view);
+    QCOMPARE(int(layer.getLeftOut()), 0);
+    const double middle = target == 3857 ? 1689200.0 : 15.0; // of the latitudes
+    const int row = int(view.toPixel(0.0, middle).y());
+    for (int x = 5; x < 395; ++x) {
+        const double place = view.left + (x + 0.5) * view.unitsPerPixel;
+        const double slack = 4 * view.unitsPerPixel; // the line
+        if (place > left + slack && place < right - slack) {
+            QVERIFY(picture.pixel(x, row) != qRgb(255, 255, 255));
+        } else if (place < left - slack || place > right + slack) {
+            QCOMPARE(picture.pixel(x, row), qRgb(255, 255, 255));
+        }
+    }
+}
+
 void VectorLayerTest::saysWhyAReferenceCannotBeReached()
 {
     OgrVectorLayer layer;
@@ -743,17 +878,33 @@ void VectorLayerTest::aDocumentGivesTheLayerBackAsItWas()
     QVERIFY(difference(complete(copy, around), complete(layer, around)) <= roundings);
 }
 
-void VectorLayerTest::aDocumentNamesWhatDoesNotOpen()
+void VectorLayerTest::aDocumentKeepsTheNameOfWhatDoesNotOpen_data()
 {
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("kept");
+    QTest::newRow("a missing relative file") << "gone.gpkg" << file("gone.gpkg");
+    QTest::newRow("a missing file elsewhere")
+        << "a/../../gone.gpkg" << QDir::cleanPath(file("../gone.gpkg"));
+    QTest::newRow("a name that only OGR understands") << "ESRIJSON:gone"
+                                                      << "ESRIJSON:gone";
+}
+
+void VectorLayerTest::aDocumentKeepsTheNameOfWhatDoesNotOpen()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, kept);
     QDomDocument document;
-    QVERIFY(document.setContent(QString("<layer><datasource value=\"gone.gpkg\"/></layer>")));
+    QVERIFY(document.setContent("<layer><datasource value=\"" + source + "\"/></layer>"));
     QDomNode node = document.documentElement();
     QDir base(folder.path());
     QString errors = "first line";
     OgrVectorLayer layer;
+    layer.setProgressive(false);
     QVERIFY(layer.readXML(node, base, &errors)); // the map keeps it
     QVERIFY(!layer.isValid());
-    QCOMPARE(errors, QString("first line\ncannot open gone.gpkg: the file does not exist"));
+    QCOMPARE(layer.getDataSource(), kept);
+    QCOMPARE(errors, QString("first line\ncannot open %1: %2").arg(kept, layer.getLastError()));
+    QVERIFY(!layer.getLastError().isEmpty());
     QVERIFY(layer.readXML(node, base, nullptr));
 }
 
