@@ -15,6 +15,7 @@
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPointer>
 #include <QToolBar>
 
 #include <memory>
@@ -110,25 +111,30 @@ QList<QWidget*> GdalRasterPlugin::getPrefsPages()
 
 void GdalRasterPlugin::addFiles(const QStringList& files, MapView* view)
 {
+    const QPointer<MapView> target(view); // a message lets it close
     for (const QString& file : files) {
         auto layer = std::make_unique<GdalRasterLayer>();
         if (!layer->setDataSource(file)) {
-            QMessageBox::warning(view, tr("Add raster"),
+            QMessageBox::warning(target, tr("Add raster"),
                                  tr("Cannot open %1.\n%2").arg(file, layer->getLastError()));
-            continue;
+        } else if (target) {
+            addToView(target, layer.release());
         }
-        addToView(view, layer.release());
     }
 }
 
 void GdalRasterPlugin::chooseFiles()
 {
-    MapView* const view = activeMapView();
+    const QPointer<MapView> view(activeMapView());
     if (!view) {
         return;
     }
     const QString filter = tr("All files (*)") + QStringLiteral(";;") + getReadFilter();
-    addFiles(QFileDialog::getOpenFileNames(view, tr("Add raster"), QString(), filter), view);
+    const QStringList files =
+        QFileDialog::getOpenFileNames(view, tr("Add raster"), QString(), filter);
+    if (view) {
+        addFiles(files, view);
+    }
 }
 
 } // namespace Corvane::Map

@@ -86,12 +86,8 @@ std::optional<StretchRange> RasterSource::stretchOf(int band, const RasterHandle
     const std::lock_guard<std::mutex> guard(stretch.mutex);
     if (!stretch.range) {
         GDALDatasetH sampled = handle.overviews ? handle.overviews.get() : handle.original.get();
-        const StretchRange range =
-            percentileCut(GDALGetRasterBand(sampled, band), bandFacts, goOn, goOnData);
-        if (!goOn(0.0, nullptr, goOnData)) {
-            return std::nullopt; // the next one tries again
-        }
-        stretch.range = range;
+        stretch.range =
+            percentileCut(GDALGetRasterBand(sampled, band), bandFacts, {goOn, goOnData, remote});
     }
     return stretch.range;
 }

@@ -33,8 +33,8 @@ public:
     GdalHandlePool::Lease acquire(QString* error) { return handles.acquire(error); }
 
     /// 0 to 255 for a plain byte band, else a cut that leaves out the 2 percent at either end,
-    /// worked out from a sample on the first call, which may take long. Nothing where goOn, which GDAL
-    /// asks meanwhile, says no.
+    /// worked out from a sample on the first call, which may take long. None where goOn stops it, or
+    /// where a server does not give the sample for now.
     std::optional<StretchRange> stretchOf(int band, const RasterHandle& handle,
                                           GDALProgressFunc goOn, void* goOnData);
 
@@ -64,7 +64,7 @@ private:
 
     struct BandStretch
     {
-        std::mutex mutex; // held while one works it out: the others want the same
+        std::mutex mutex; // guards range; whoever wants it waits for who works it out
         std::optional<StretchRange> range;
     };
     std::vector<std::unique_ptr<BandStretch>> stretches; // by band

@@ -70,12 +70,13 @@ bool RasterTileLoader::isLeftAlone(const TileId& tile)
 
 // On a pool thread. A tile that fails is put off before it is given up: a view that asks in between
 // does not get it at once.
-void RasterTileLoader::noteAnswer(const TileId& tile, qint64 begin, const QString& failure)
+void RasterTileLoader::noteAnswer(const TileId& tile, qint64 begin, bool came,
+                                  const QString& failure)
 {
     if (!reader.source().isRemote()) {
         return;
     }
-    if (failure.isNull()) {
+    if (came) {
         attempts.succeeded(tile);
         reader.source().health.succeeded(WebClock::now() - begin);
     } else {
@@ -107,7 +108,7 @@ std::unique_ptr<GeoImage> RasterTileLoader::load(const TileId& tile)
     if (pixels.isNull() && isStopped()) {
         return nullptr;
     }
-    noteAnswer(tile, begin, pixels.isNull() ? error : QString());
+    noteAnswer(tile, begin, !pixels.isNull(), error);
     if (pixels.isNull()) {
         reader.source().reportFailure(error);
         if (reader.source().isRemote()) {
@@ -150,7 +151,7 @@ std::vector<DeliveredTile> RasterTileLoader::readRun(const TileId& first)
         reader.source().reportFailure(error);
     }
     for (const TileId& tile : row) {
-        noteAnswer(tile, begin, pixels.isNull() ? error : QString());
+        noteAnswer(tile, begin, !pixels.isNull(), error);
         if (pixels.isNull() && reader.source().isRemote()) {
             continue;
         }

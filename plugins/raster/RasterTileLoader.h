@@ -44,7 +44,7 @@ private:
     std::unique_ptr<GeoImage> geoImage(const TileId& tile, QImage pixels) const;
     void tellOfPutOff();
     bool isLeftAlone(const TileId& tile);
-    void noteAnswer(const TileId& tile, qint64 begin, const QString& failure);
+    void noteAnswer(const TileId& tile, qint64 begin, bool came, const QString& failure);
     std::vector<DeliveredTile> readRun(const TileId& first);
     void deliver(DeliveredTile tile);
     bool isStopped() const;

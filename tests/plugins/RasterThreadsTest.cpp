@@ -3,6 +3,7 @@
 
 #include <tests/plugins/LayerProbe.h>
 #include <tests/plugins/SlowServer.h>
+#include <tests/plugins/SourceServer.h>
 #include <tests/plugins/TestRasters.h>
 
 #include <corvane/map/IRendererClient.h>
@@ -143,6 +144,8 @@ private slots:
     void aSlowServerLeavesTheThreadFree();
     void aSlowSourceAppearsInAMapViewOnceItIsOpen();
     void aServerThatBreaksDownIsAskedAgain();
+    void aStretchIsTakenFromWhatCanBeRead();
+    void aServerThatBreaksDownDoesNotSpoilTheStretch();
     void aServerThatRefusesFailsLater();
     void aSecondSourceReplacesOneThatIsStillOpening();
 
@@ -445,6 +448,75 @@ void RasterThreadsTest::aServerThatBreaksDownIsAskedAgain()
     QCOMPARE(layer.getSourceReport().state, SourceReport::State::Reachable);
     const QColor middle = painted(layer, view).pixelColor(150, 100);
     QVERIFY(std::abs(middle.red() - plainValue(1, 5150, 3600)) <= 25);
+}
+
+namespace {
+
+// Deep values that say little as they are, all of them above 255.
+RasterRecipe deepRecipe()
+{
+    RasterRecipe what;
+    what.size = QSize(2048, 2048);
+    what.bands = 1;
+    what.type = GDT_UInt16;
+    what.value = [](int, int x, int) { return 1000.0 + 10.0 * x; };
+    return what;
+}
+
+bool isSpread(const QImage& picture)
+{
+    return qRed(picture.pixel(0, 10)) == 0 && qRed(picture.pixel(picture.width() - 1, 10)) == 255 &&
+           std::abs(qRed(picture.pixel(picture.width() / 2, 10)) - 128) < 8;
+}
+
+} // namespace
+
+void RasterThreadsTest::aStretchIsTakenFromWhatCanBeRead()
+{
+    const QString path = folder.filePath("deep-truncated.tif");
+    QVERIFY(makeRaster(path, deepRecipe()));
+    GdalRasterLayer layer;
+    QVERIFY(layer.setDataSource(path));
+    QTRY_VERIFY(layer.isValid());
+    QVERIFY(QFile::resize(path, 2048 * 2048)); // half of it
+    const QImage picture = complete(layer, {2048, 2048, 0, 0, 1.0});
+    QVERIFY(isSpread(picture));
+    QVERIFY(!layer.getLastError().isEmpty());
+}
+
+// The tile itself comes, the sample from the rest of the image does not.
+void RasterThreadsTest::aServerThatBreaksDownDoesNotSpoilTheStretch()
+{
+    const QString path = folder.filePath("deep.tif");
+    RasterRecipe what = deepRecipe();
+    what.value = [](int, int, int y) { return 1000.0 + 10.0 * y; };
+    QVERIFY(makeRaster(path, what));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    std::atomic<bool> fails{false};
+    HttpTestServer server;
+    server.on("/deep.tif", [&](const HttpRequest& request) {
+        constexpr int beginning = 2400000; // two rows of blocks, and what is read ahead
+        const QByteArray range = request.header("Range");
+        const bool isBeginning = range.mid(6).split('-').value(1).toInt() < beginning;
+        return fails && !isBeginning ? HttpReply::withStatus(500, "broken")
+                                     : rangeOf(bytes, request);
+    });
+    GdalRasterLayer layer;
+    layer.setProgressive(false);
+    QVERIFY(layer.setDataSource(server.url("/deep.tif")));
+    QVERIFY(layer.isValid());
+    layer.setProgressive(true);
+    fails = true;
+    const PixelView view{2048, 256, 0, 0, 1.0};
+    view.set(layer);
+    QTRY_VERIFY_WITH_TIMEOUT(layer.getSourceReport().isTrouble(), 30000);
+    QVERIFY(int(layer.getPercentComplete()) < 100);
+    fails = false;
+    QTRY_COMPARE_WITH_TIMEOUT(int(layer.getPercentComplete()), 100, 60000);
+    const int lowest = qRed(painted(layer, view).pixel(1000, 250)); // an eighth of the way down
+    QVERIFY2(std::abs(lowest - 250 * 255 / 2048) < 8, qPrintable(QString::number(lowest)));
 }
 
 void RasterThreadsTest::aServerThatRefusesFailsLater()
