@@ -127,7 +127,7 @@ void AddWebTilesDialog::startTest()
         },
         [this] { QMetaObject::invokeMethod(this, "takeAnswer", Qt::QueuedConnection); });
     ui->statusLabel->setText(tr("Asking for a tile..."));
-    test->start();
+    test->startRemote(); // tiles that a server keeps waiting may have all threads of the pool
     if (!test->startTelling()) {
         takeAnswer();
     }

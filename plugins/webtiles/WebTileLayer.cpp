@@ -25,6 +25,7 @@ namespace Corvane::Map {
 namespace {
 
 constexpr int openingLimit = 30 * 1000; // milliseconds, for what has to come before we go on
+constexpr int longestTitle = 200;       // letters
 constexpr int attributionPixels = 10;   // height of the text
 constexpr int attributionMargin = 3;
 
@@ -40,7 +41,7 @@ QString titleOf(const QString& dataSource, const QString& offered)
 {
     const QUrl url(dataSource);
     const QString plain = url.host().isEmpty() ? QFileInfo(dataSource).fileName() : url.host();
-    return offered.isEmpty() ? plain : offered;
+    return offered.isEmpty() ? plain : offered.left(longestTitle).simplified();
 }
 
 } // namespace
@@ -139,6 +140,7 @@ bool WebTileLayer::adopt(const std::shared_ptr<WebTileOffer>& opened)
     auto made = WebTileSource::make(*opened, settings, dataSource, &error);
     if (!made) {
         closeSource();
+        offer = opened; // other settings may make a source of it
         return fail(error);
     }
     offer = opened;

@@ -126,8 +126,8 @@ private:
     WebTileSettings settings;
     std::shared_ptr<SourceOpening<WebTileOffer>> opening; // while a source is opening
     std::shared_ptr<WebTileOffer> offer;                  // null while there is none
-    std::shared_ptr<WebTileSource> source;                // the same
-    std::shared_ptr<WebTileLoader> loader;                // the same
+    std::shared_ptr<WebTileSource> source; // null too where the settings do not fit it
+    std::shared_ptr<WebTileLoader> loader; // the same
     OpeningRetry retry;
     std::shared_ptr<std::atomic<bool>> failurePasses; // of the last opening
 };

@@ -20,6 +20,8 @@ namespace {
 constexpr int usualMaxZoom = 19;
 constexpr int usualTileSize = 256;
 const char* const usualHosts = "a,b,c";
+constexpr int mostMarkup = 4000;         // letters of an attribution that are looked at
+constexpr int longestAttribution = 1000; // letters that are left of it
 
 QStringList listOf(const QString& hosts)
 {
@@ -27,12 +29,13 @@ QStringList listOf(const QString& hosts)
     for (const QString& name : hosts.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         names.append(name.trimmed());
     }
+    names.removeAll(QString());
     return names;
 }
 
 QString hostsOf(const WebTileOffer& offer, const WebTileSettings& settings)
 {
-    if (!settings.hosts.isEmpty()) {
+    if (!listOf(settings.hosts).isEmpty()) {
         return settings.hosts;
     }
     return offer.hosts.isEmpty() ? QString::fromLatin1(usualHosts)
@@ -83,8 +86,10 @@ TileOrder WebTileSource::orderFor(const WebTile& tile) const
 
 QString plainAttribution(const QString& text)
 {
-    const bool marked = text.contains(QLatin1Char('<')) || text.contains(QLatin1Char('&'));
-    return (marked ? QTextDocumentFragment::fromHtml(text).toPlainText() : text).simplified();
+    const QString start = text.left(mostMarkup);
+    const bool marked = start.contains(QLatin1Char('<')) || start.contains(QLatin1Char('&'));
+    const QString plain = marked ? QTextDocumentFragment::fromHtml(start).toPlainText() : start;
+    return plain.simplified().left(longestAttribution);
 }
 
 } // namespace Corvane::Map

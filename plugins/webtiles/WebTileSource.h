@@ -52,7 +52,8 @@ struct WebTileSource
     SourceHealth health;
 };
 
-/// Attributions come with links and entities: what is left without them.
+/// Attributions come with links and entities: what is left without them, cut where it
+/// would not end.
 QString plainAttribution(const QString& text);
 
 } // namespace Corvane::Map

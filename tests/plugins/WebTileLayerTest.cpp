@@ -132,7 +132,9 @@ private slots:
     void aPresetFileOpens();
     void aPresetFileThatIsNoneFails_data();
     void aPresetFileThatIsNoneFails();
+    void namesOfAServerAreCutToWhatCanBeShown();
     void whatIsSetGoesBeforeThePreset();
+    void settingsThatMakeNoSourceCanBeMended();
     void capabilitiesOpenInTheBackground();
     void capabilitiesThatDoNotComeFailLater();
 
@@ -606,6 +608,42 @@ void WebTileLayerTest::aPresetFileThatIsNoneFails()
     QTRY_VERIFY(!layer.getLastError().isEmpty());
     QVERIFY(!layer.isValid());
     QCOMPARE(log.holding("broken.webtiles").size(), 1);
+}
+
+// They are read on the GUI thread, where a million tags take long.
+void WebTileLayerTest::namesOfAServerAreCutToWhatCanBeShown()
+{
+    QFile file(folder.filePath("endless.webtiles"));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("<webtiles url=\"http://example.org/{z}/{x}/{y}.png\" attribution=\"by " +
+               QByteArray("&lt;b&gt;x ").repeated(60000) + "\" title=\"" +
+               QByteArray("name ").repeated(20000) + "\"/>");
+    file.close();
+    WebTileLayer layer;
+    layer.setProgressive(false);
+    QVERIFY(layer.setDataSource(file.fileName()));
+    QVERIFY(layer.isValid());
+    QVERIFY(layer.getAttribution().startsWith("by x x x x"));
+    QVERIFY(layer.getAttribution().size() <= 1000);
+    QVERIFY(layer.getDescription().startsWith("name name name"));
+    QVERIFY(layer.getDescription().size() <= 200);
+}
+
+void WebTileLayerTest::settingsThatMakeNoSourceCanBeMended()
+{
+    WebTileLayer layer;
+    QVERIFY(layer.setDataSource("http://{s}.example.org/{z}/{x}/{y}.png"));
+    QVERIFY(layer.isValid());
+    layer.setHosts("not a host/?");
+    QVERIFY(!layer.isValid());
+    QVERIFY(!layer.getLastError().isEmpty());
+    layer.setHosts("a");
+    QVERIFY(layer.isValid());
+    QCOMPARE(layer.getHosts(), QString("a"));
+    layer.setHosts(" , ");
+    QVERIFY(layer.isValid());
+    QCOMPARE(layer.getTileUrl(19, 0, 0, 256, 256, 0, 0, 0, 0),
+             QString("http://a.example.org/0/0/0.png"));
 }
 
 void WebTileLayerTest::whatIsSetGoesBeforeThePreset()
