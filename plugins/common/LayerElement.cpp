@@ -7,10 +7,6 @@
 
 namespace Corvane::Map {
 
-namespace {
-
-} // namespace
-
 QDomNode withoutSourceProperty(const QDomNode& element)
 {
     QDomNode node = element.cloneNode();

@@ -19,7 +19,8 @@ void addToView(MapView* view, OpeningLayer* layer)
     view->addLayer(layer, -1);
     if (isFirst && !layer->isValid()) { // it has no extent yet that could be shown whole
         QObject::connect(layer, &OpeningLayer::sourceOpened, view, [view, layer](bool ok) {
-            if (ok) {
+            if (ok) { // the first time: later the user may look elsewhere
+                QObject::disconnect(layer, &OpeningLayer::sourceOpened, view, nullptr);
                 view->zoomToLayer(layer);
             }
         });

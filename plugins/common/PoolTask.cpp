@@ -2,6 +2,7 @@
 
 #include <plugins/common/PoolActivity.h>
 
+#include <QThread>
 #include <QThreadPool>
 
 #include <deque>
@@ -10,9 +11,11 @@
 #include <mutex>
 #include <utility>
 
+#ifdef Q_OS_LINUX
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#endif
 
 namespace Corvane::Map {
 
@@ -71,9 +74,13 @@ QThreadPool& backgroundThread()
 // Of this thread alone, for good: whatever else wants a processor goes first.
 void lowerPriority()
 {
+#ifdef Q_OS_LINUX // where Qt's priorities change nothing
     constexpr int niceness = 5;
     const auto self = static_cast<id_t>(::syscall(SYS_gettid));
     ::setpriority(PRIO_PROCESS, self, niceness);
+#else
+    QThread::currentThread()->setPriority(QThread::LowPriority);
+#endif
 }
 
 std::function<void()> takeWaiting(Waiting& waiting, int priority)

@@ -78,7 +78,7 @@ private:
     QNetworkDiskCache cache;
     std::atomic<qint64> distrusted{0}; // since when, milliseconds since 1970
     bool isOn = false;
-    bool wasSetUp = false;
+    std::atomic<bool> wasSetUp{false};
 };
 
 } // namespace Corvane::Map
