@@ -10,6 +10,7 @@ namespace Corvane::Map {
 /// How far the building of overviews is.
 struct OverviewProgress
 {
+    /// Where the building stands.
     enum class State
     {
         None,     ///< nothing was begun, or it was cancelled
@@ -18,10 +19,10 @@ struct OverviewProgress
         Failed
     };
 
-    State state = State::None;
-    int percent = 0; ///< 0 to 100, while they are built
-    QString folder;  ///< where they are, or come to lie; empty before
-    QString reason;  ///< of a failure, for people; empty without one
+    State state = State::None; ///< where it stands
+    int percent = 0;           ///< 0 to 100, while they are built
+    QString folder;            ///< where they are, or come to lie; empty before
+    QString reason;            ///< of a failure, for people; empty without one
 };
 
 /// A layer that can have reduced copies made of an image that comes without any: without them a view
