@@ -128,6 +128,8 @@ private slots:
     void theRequestsGoOutAsTheyAre_data();
     void theRequestsGoOutAsTheyAre();
     void theRequestsAreLogged();
+    void theSchemeIsThatOfTheBoxInBothModes_data();
+    void theSchemeIsThatOfTheBoxInBothModes();
     void thePictureIsAskedForAtTheLabelsSize();
     void withoutThePreviewNothingIsAskedFor();
     void thePreviewAndTheDetailsAreShown();
@@ -230,6 +232,36 @@ void ZWTPBrowserDatasetTest::theRequestsAreLogged()
     QCOMPARE(lines, QStringList({"debug: Image request Url: " + start + query,
                                  "debug: QNetworkReply came from cache: false",
                                  "debug: QNetworkReply came from cache: false"}));
+}
+
+void ZWTPBrowserDatasetTest::theSchemeIsThatOfTheBoxInBothModes_data()
+{
+    QTest::addColumn<int>("protocol");
+    QTest::addColumn<bool>("secure");
+    QTest::addColumn<QString>("scheme");
+    QTest::newRow("streaming") << int(ProtocolZWTP) << false << "http";
+    QTest::newRow("streaming, secure") << int(ProtocolZWTP) << true << "https";
+    QTest::newRow("http") << int(ProtocolRaxion) << false << "http";
+    QTest::newRow("http, secure") << int(ProtocolRaxion) << true << "https";
+}
+
+// Nobody listens on that port; what counts is what goes out.
+void ZWTPBrowserDatasetTest::theSchemeIsThatOfTheBoxInBothModes()
+{
+    QFETCH(int, protocol);
+    QFETCH(bool, secure);
+    QFETCH(QString, scheme);
+    DatasetStage stage("13.0.0.0", "/north.jp2", static_cast<Gui::BrowserProtocol>(protocol));
+    QVERIFY(stage.isConnected);
+    stage.find<QCheckBox>("useSSLCheckBox").setChecked(secure);
+    stage.type("serverNameCombo", "127.0.0.1:1");
+    const QString size = stage.size();
+    QVERIFY(stage.look("north.jp2"));
+    const QString start = scheme + "://127.0.0.1:1/tavro-krs/tavro/raxion?request=";
+    QCOMPARE(
+        stage.log,
+        QStringList({"0 Preview Image URL: " + start + "image&cache=true&layers=/north.jp2" + size,
+                     "0 DsInfo URL: " + start + "dsinfo&layers=/north.jp2&verbose=true"}));
 }
 
 void ZWTPBrowserDatasetTest::thePictureIsAskedForAtTheLabelsSize()

@@ -53,6 +53,8 @@ private slots:
     void theHostComesFromWhatIsTyped();
     void theLogNamesTheUrlButNoPassword();
     void aSecureConnectionIsAskedForOnRequest();
+    void everyRequestTakesTheSchemeOfTheBox_data();
+    void everyRequestTakesTheSchemeOfTheBox();
     void theDialogWaitsForTheReply();
     void aReplyFillsTheTree();
     void eachModeListsWhatItCanUse_data();
@@ -71,6 +73,7 @@ private slots:
     void connectStartsFromTheDefaultService();
     void connectLeavesNoTypedServiceBehind();
     void aPickedServiceIsAskedForAndTheListStays();
+    void anOldServerEmptiesTheListAfterAPickToo();
     void aServiceNameIsAskedForByAnotherCaller_data();
     void aServiceNameIsAskedForByAnotherCaller();
     void theListOfServicesArrivesUnderAWaitCursorWithTheDialogOfUse();
@@ -159,6 +162,47 @@ void ZWTPBrowserDiscoveryTest::aSecureConnectionIsAskedForOnRequest()
     QCOMPARE(stage.answers.shown.size(), 1);
     QCOMPARE(stage.log.size(), 1);
     QVERIFY(stage.log[0].startsWith("0 Discovery URL: https://127.0.0.1:1/tavro-krs/"));
+}
+
+void ZWTPBrowserDiscoveryTest::everyRequestTakesTheSchemeOfTheBox_data()
+{
+    QTest::addColumn<QString>("slot");
+    QTest::addColumn<bool>("secure");
+    QTest::addColumn<QString>("url");
+    for (const bool secure : {false, true}) {
+        const QString start = QString(secure ? "https" : "http") + "://127.0.0.1:1";
+        const QString discoveryStart = start + "/tavro-krs/discovery.dll?request=";
+        const char* const with = secure ? "with" : "without";
+        QTest::addRow("the tree %s", with)
+            << "serverConnectKRS" << secure
+            << discoveryStart + "getkrsinfo&folder=/&format=xml&recursive=true&version=1.0";
+        QTest::addRow("the description %s", with)
+            << "serverInfo" << secure
+            << discoveryStart + "getkrsinfo&folder=/&format=xml&recursive=false";
+        QTest::addRow("the services %s", with)
+            << "servicesInfo" << secure << discoveryStart + "getserviceinfo";
+        QTest::addRow("the catalog %s", with)
+            << "serverConnectOrivex" << secure
+            << start + "/tavro-orivex/catalog/content/search.json";
+    }
+}
+
+// Whatever scheme is typed. Nobody listens on that port.
+void ZWTPBrowserDiscoveryTest::everyRequestTakesTheSchemeOfTheBox()
+{
+    QFETCH(QString, slot);
+    QFETCH(bool, secure);
+    QFETCH(QString, url);
+    BrowserStage stage(ProtocolRaxion);
+    stage.find<QCheckBox>("useSSLCheckBox").setChecked(secure);
+    QStringList sent;
+    QObject::connect(&managerOf(stage.dialog()), &QNetworkAccessManager::finished,
+                     [&sent](QNetworkReply* reply) { sent << reply->request().url().toString(); });
+    stage.type("serverNameCombo", secure ? "http://127.0.0.1:1" : "https://127.0.0.1:1");
+    stage.answers.expectMessage();
+    QVERIFY(stage.call(qPrintable(slot)));
+    QVERIFY(stage.comesIdle());
+    QCOMPARE(sent, QStringList({url}));
 }
 
 void ZWTPBrowserDiscoveryTest::theDialogWaitsForTheReply()
@@ -421,6 +465,21 @@ void ZWTPBrowserDiscoveryTest::aPickedServiceIsAskedForAndTheListStays()
     QVERIFY(stage.waitForRequests(4) && stage.comesIdle());
     QCOMPARE(stage.lastAsked(), QString(discoveryQuery));
     QCOMPARE(stage.entries("serviceNameCombo").size(), 2);
+}
+
+void ZWTPBrowserDiscoveryTest::anOldServerEmptiesTheListAfterAPickToo()
+{
+    BrowserStage stage;
+    stage.server.on(BrowserStage::discoveryPath,
+                    HttpReply::data(discovery("12.0.0.0", dataset("/a.jp2"))));
+    stage.type("serverNameCombo", stage.address());
+    stage.find<QComboBox>("serviceNameCombo").addItems({"default", "aerial"});
+    pickService(stage, "aerial");
+    QVERIFY(stage.waitForRequests(1) && stage.comesIdle());
+    QCOMPARE(stage.asked(), QStringList({QString(discoveryQuery) + "&service=aerial"}));
+    QCOMPARE(stage.treeLines()[0], QString("127.0.0.1 [aerial] | _ROOT | "));
+    QCOMPARE(stage.entries("serviceNameCombo"), QStringList());
+    QCOMPARE(stage.text("serviceNameCombo"), QString());
 }
 
 void ZWTPBrowserDiscoveryTest::aServiceNameIsAskedForByAnotherCaller_data()

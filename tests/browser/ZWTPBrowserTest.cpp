@@ -99,6 +99,8 @@ private slots:
     void escapeAndTheWindowsButtonReject();
     void theCallerGetsTheUrlOnOkAndClose_data();
     void theCallerGetsTheUrlOnOkAndClose();
+    void theCallerGetsTheUrlOfADoubleClick_data();
+    void theCallerGetsTheUrlOfADoubleClick();
     void theCallerGetsNothingOnEscape();
     void theCallersDialogShowsOkAndAdd();
     void addInTheCallersDialogOnlyRecords();
@@ -563,6 +565,43 @@ void ZWTPBrowserTest::theCallerGetsTheUrlOnOkAndClose()
     QCOMPARE(ZWTPBrowser::getZwtpUrl(nullptr, ProtocolZWTP), QString("zwtp://host/Image.jp2"));
     QCOMPARE(settings().value("ZWTPChooser/ZwtpUrls").toStringList(),
              QStringList({"zwtp://host/Image.jp2"}));
+}
+
+void ZWTPBrowserTest::theCallerGetsTheUrlOfADoubleClick_data()
+{
+    QTest::addColumn<int>("protocol");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QStringList>("recorded"); // first by the double click, then by the result
+    QTest::newRow("streaming") << int(ProtocolZWTP) << "ZWTPChooser/ZwtpUrls"
+                               << QStringList({"zwtp://host/a.jp2"});
+    QTest::newRow("http") << int(ProtocolRaxion) << "ZWTPChooser/RaxionUrls"
+                          << QStringList({"zwtp://host/a.jp2", "http://host/a.jp2"});
+}
+
+void ZWTPBrowserTest::theCallerGetsTheUrlOfADoubleClick()
+{
+    QFETCH(int, protocol);
+    QFETCH(QString, key);
+    QFETCH(QStringList, recorded);
+    BrowserStage stage;
+    stage.closeBrowser();
+    onNextBrowser(stage.answers, [](ZWTPBrowser& dialog) {
+        type(dialog, "serverNameCombo", "host");
+        type(dialog, "serviceNameCombo", "default");
+        dialog.findChild<QGroupBox*>("previewGroupBox")->setChecked(false);
+        auto* const tree = dialog.findChild<QTreeWidget*>("treeWidget");
+        auto* const image = new QTreeWidgetItem(tree, {"a.jp2"});
+        image->setData(0, Qt::UserRole, "/a.jp2");
+        const QPoint middle = tree->visualItemRect(image).center();
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, middle);
+        QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, middle);
+        if (dialog.isVisible()) {
+            dialog.reject(); // so that the test ends
+        }
+    });
+    QCOMPARE(ZWTPBrowser::getZwtpUrl(nullptr, static_cast<Gui::BrowserProtocol>(protocol)),
+             QString("zwtp://host/a.jp2"));
+    QCOMPARE(settings().value(key).toStringList(), recorded);
 }
 
 void ZWTPBrowserTest::theCallerGetsNothingOnEscape()
