@@ -30,9 +30,11 @@ public:
     }
 
     /// A plugin that was built for the tests.
-    bool add(const QString& name)
+    bool add(const QString& name) { return addAs(name, name); }
+    /// The same under a name of its own: the manager takes it for another plugin.
+    bool addAs(const QString& name, const QString& fileName)
     {
-        return QFile::copy(builtPath(name), path(name + PLUGIN_SUFFIX));
+        return QFile::copy(builtPath(name), path(fileName + PLUGIN_SUFFIX));
     }
     bool addText(const QString& fileName)
     {

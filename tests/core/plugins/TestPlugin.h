@@ -22,6 +22,12 @@ inline void note(const QString& text)
     }
 }
 
+/// Which of two equal root objects it was.
+inline QString addressOf(const void* root)
+{
+    return QString::number(reinterpret_cast<quintptr>(root));
+}
+
 /// Notes the life of the root object that holds it.
 class LifeNote
 {
@@ -79,6 +85,7 @@ public:
     {
         auto* layer = new PlainLayer<Corvane::Map::Layer>(nullptr);
         layer->setDescription(layerName + (useGui ? " with dialogs" : " without dialogs"));
+        layer->setComments(addressOf(dynamic_cast<void*>(this)));
         return layer;
     }
 
