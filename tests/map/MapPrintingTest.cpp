@@ -154,6 +154,7 @@ private slots:
 
     void everyLayerGetsTheSettingsOfAPrintAndKeepsThem_data();
     void everyLayerGetsTheSettingsOfAPrintAndKeepsThem();
+    void theSettingsStandBeforeTheFirstView();
     void layersBesideTheStackKeepTheirSettings();
     void hiddenAndInvalidLayersAreNotPrinted();
     void theCanvasKeepsTheViewOfThePrint_data();
@@ -600,6 +601,31 @@ void MapPrintingTest::everyLayerGetsTheSettingsOfAPrintAndKeepsThem()
     QCOMPARE(map.layer->property("PixmapSmoothing"), QVariant(true));
     QCOMPARE(map.layer->dynamicPropertyNames(),
              QList<QByteArray>({"Progressive", "AdaptiveRoam", "PixmapSmoothing"}));
+}
+
+void MapPrintingTest::theSettingsStandBeforeTheFirstView()
+{
+    class WatchingLayer : public SettingsLayer
+    {
+    public:
+        void setView(int, int, double, double, double, double) override { see(); }
+        void beginUpdate(bool) override { see(); }
+        QStringList seen;
+
+    private:
+        void see()
+        {
+            seen << QStringLiteral("%1%2%3").arg(progressive).arg(adaptiveRoam).arg(smoothing);
+        }
+    };
+    PrintedMap map;
+    auto* const layer = new WatchingLayer;
+    map.canvas.addLayer(layer);
+    PointPrinter printer(QSize(201, 65));
+
+    map.canvas.print(printer, nullptr);
+
+    QCOMPARE(layer->seen, QStringList({"001", "001"}));
 }
 
 void MapPrintingTest::layersBesideTheStackKeepTheirSettings()

@@ -751,19 +751,22 @@ void MapViewCommandsTest::theContextMenuOpensWhereThePressWas_data()
 
 namespace {
 
-/// Whether a right click at the position, whose press and moves have come, opens the menu.
+/// Whether a right click at the position, whose press and moves have come, opens the menu there.
 bool opensMenu(OpenView& view, QPoint position)
 {
+    view.move(150, 120); // so that the position is another one on the screen
     view.contextMenu = new QMenu(&view);
     view.contextMenu->addAction(QStringLiteral("an entry"));
-    bool opened = false;
+    QPoint place;
     QObject::connect(view.contextMenu, &QMenu::aboutToShow, [&] {
-        opened = true;
-        QTimer::singleShot(0, view.contextMenu, &QWidget::close);
+        QTimer::singleShot(0, view.contextMenu, [&] {
+            place = view.contextMenu->pos();
+            view.contextMenu->close();
+        });
     });
     QContextMenuEvent event(QContextMenuEvent::Mouse, position, view.mapToGlobal(position));
     QApplication::sendEvent(&view, &event);
-    return opened;
+    return place == view.mapToGlobal(position) && place != position;
 }
 
 } // namespace

@@ -91,6 +91,7 @@ class MapViewGesturesTest : public QObject
 private slots:
     void aPressChoosesTheDrag_data();
     void aPressChoosesTheDrag();
+    void theButtonsDownDecideAndNotTheLastOne();
     void aReleaseRestoresTheModeAndItsCursor_data();
     void aReleaseRestoresTheModeAndItsCursor();
     void aSecondPressKeepsTheModeOfTheDrag();
@@ -179,6 +180,17 @@ void MapViewGesturesTest::aPressChoosesTheDrag()
     QCOMPARE(j.cursor(), cursor);
     QCOMPARE(j.journal,
              QStringList({mode == IClient::Roam ? "a beginUpdate roam" : "a beginUpdate zoom"}));
+}
+
+void MapViewGesturesTest::theButtonsDownDecideAndNotTheLastOne()
+{
+    JournalView j(Motion::Direct);
+    press(*j.view, QPoint(40, 40), Qt::LeftButton);
+    sendMouse(*j.view, QEvent::MouseButtonPress, QPoint(40, 40), Qt::RightButton,
+              Qt::LeftButton | Qt::RightButton);
+
+    QCOMPARE(j.mode(), IClient::Roam);
+    QCOMPARE(j.cursor(), Qt::ClosedHandCursor);
 }
 
 void MapViewGesturesTest::aReleaseRestoresTheModeAndItsCursor_data()

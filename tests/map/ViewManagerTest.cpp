@@ -137,6 +137,8 @@ private slots:
     void theModeIsReadAfreshAtEachCall();
     void roamMovesTheWorldUnderThePointer_data();
     void roamMovesTheWorldUnderThePointer();
+    void roamGoesOnFromTheLastPositionInWhateverMode_data();
+    void roamGoesOnFromTheLastPositionInWhateverMode();
     void roamDoesNotPassTheAspectRule();
     void zoomScalesOncePerPixelAboutThePress_data();
     void zoomScalesOncePerPixelAboutThePress();
@@ -789,6 +791,36 @@ void ViewManagerTest::roamMovesTheWorldUnderThePointer()
     manager.pointerMove(to.x(), to.y());
     QCOMPARE(extentsOf(manager), extents);
     QCOMPARE(toWorld(manager, to.x(), to.y()), grabbed);
+}
+
+void ViewManagerTest::roamGoesOnFromTheLastPositionInWhateverMode_data()
+{
+    QTest::addColumn<IClient::PointerMode>("mode");
+    QTest::addColumn<bool>("released");
+    QTest::newRow("a move while pointing") << IClient::Point << false;
+    QTest::newRow("a move of a box") << IClient::ZoomBox << false;
+    QTest::newRow("a release while pointing") << IClient::Point << true;
+}
+
+void ViewManagerTest::roamGoesOnFromTheLastPositionInWhateverMode()
+{
+    QFETCH(IClient::PointerMode, mode);
+    QFETCH(bool, released);
+    RecordingClient client;
+    ViewManager manager(&client);
+    manager.init(0, 0, 100, 100, 0.0, 100.0, 100.0, 0.0);
+    manager.setPointerMode(mode);
+    manager.pointerDown(10, 10);
+    if (released) {
+        manager.pointerUp(60, 60);
+    } else {
+        manager.pointerMove(60, 60);
+    }
+
+    manager.setPointerMode(IClient::Roam);
+    manager.pointerMove(61, 62);
+
+    QCOMPARE(extentsOf(manager), Extents({-1.0, 102.0, 99.0, 2.0}));
 }
 
 void ViewManagerTest::roamDoesNotPassTheAspectRule()
