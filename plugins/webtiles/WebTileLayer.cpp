@@ -13,6 +13,8 @@
 #include <corvane/map/GeoPainter.h>
 
 #include <QDateTime>
+#include <QDir>
+#include <QDomElement>
 #include <QFileInfo>
 #include <QFontMetrics>
 #include <QUrl>
@@ -207,6 +209,19 @@ QString WebTileLayer::getTileUrl(unsigned int level, unsigned int tx, unsigned i
                                  unsigned int, double, double, double, double)
 {
     return source ? source->urls.urlOf({loader->zoomOf(level), tx, ty}) : QString();
+}
+
+// A preset that is missing keeps the name that it would have: the base class would lose it.
+bool WebTileLayer::readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMessage)
+{
+    QDomNode node = theNode.cloneNode();
+    QDomElement element = node.lastChildElement(QStringLiteral("datasource"));
+    const QString name = element.attribute(QStringLiteral("value"));
+    if (isPreset(name) && !baseDir.exists(name)) {
+        element.setAttribute(QStringLiteral("value"),
+                             QDir::cleanPath(baseDir.absoluteFilePath(name)));
+    }
+    return ServedTileLayer::readXML(node, baseDir, pErrorMessage);
 }
 
 void WebTileLayer::paint(GeoPainter& painter, QRectF* world, QRect* device)

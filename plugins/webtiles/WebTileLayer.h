@@ -50,6 +50,7 @@ public:
     QString getProtocol() override;
     qint8 getPercentComplete() override;
     void paint(GeoPainter& painter, QRectF* world, QRect* device) override;
+    bool readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMessage) override;
 
     double getCellSizeX() override;
     double getCellSizeY() override;

@@ -18,12 +18,6 @@ namespace {
 constexpr int okStatus = 200;
 constexpr qint64 longestPreset = 1 << 20; // bytes
 
-bool isPreset(const QString& dataSource)
-{
-    return dataSource.endsWith(QLatin1String(".webtiles"), Qt::CaseInsensitive) &&
-           !dataSource.contains(QLatin1String("://"));
-}
-
 bool isCapabilities(const QString& dataSource)
 {
     const QUrl url(dataSource);
@@ -73,6 +67,12 @@ std::shared_ptr<WebTileOffer> fetchCapabilities(const QString& dataSource,
 }
 
 } // namespace
+
+bool isPreset(const QString& dataSource)
+{
+    return dataSource.endsWith(QLatin1String(".webtiles"), Qt::CaseInsensitive) &&
+           !dataSource.contains(QLatin1String("://"));
+}
 
 bool isWebTileSource(const QString& dataSource)
 {

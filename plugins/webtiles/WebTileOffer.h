@@ -30,6 +30,9 @@ struct WebTileOffer
 /// the URL of WMTS capabilities.
 bool isWebTileSource(const QString& dataSource);
 
+/// Whether it is the second of these.
+bool isPreset(const QString& dataSource);
+
 /// Asks the data source on the settings' terms; null with the reason in error, and in mayPass, which
 /// may be null, whether the source may answer later. Reads a file or goes
 /// to the network, where it stops once abandoned is true. On a pool thread, save for a URL with

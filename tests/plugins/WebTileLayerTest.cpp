@@ -133,6 +133,7 @@ private slots:
     void aPresetFileThatIsNoneFails_data();
     void aPresetFileThatIsNoneFails();
     void namesOfAServerAreCutToWhatCanBeShown();
+    void aDocumentKeepsTheNameOfAPresetThatIsMissing();
     void whatIsSetGoesBeforeThePreset();
     void settingsThatMakeNoSourceCanBeMended();
     void capabilitiesOpenInTheBackground();
@@ -644,6 +645,24 @@ void WebTileLayerTest::settingsThatMakeNoSourceCanBeMended()
     QVERIFY(layer.isValid());
     QCOMPARE(layer.getTileUrl(19, 0, 0, 256, 256, 0, 0, 0, 0),
              QString("http://a.example.org/0/0/0.png"));
+}
+
+void WebTileLayerTest::aDocumentKeepsTheNameOfAPresetThatIsMissing()
+{
+    QDomDocument document;
+    QVERIFY(document.setContent(
+        QString("<layer><datasource value=\"maps/../gone.webtiles\"/></layer>")));
+    QDomNode node = document.documentElement();
+    QDir base(folder.path());
+    QString errors;
+    WebTileLayer layer;
+    layer.setProgressive(false); // it is told before it returns
+    QVERIFY(layer.readXML(node, base, &errors));
+    QVERIFY(!layer.isValid());
+    QCOMPARE(layer.getDataSource(), folder.filePath("gone.webtiles"));
+    QCOMPARE(errors,
+             QString("cannot open %1: %2").arg(layer.getDataSource(), layer.getLastError()));
+    QVERIFY(!layer.getLastError().isEmpty());
 }
 
 void WebTileLayerTest::whatIsSetGoesBeforeThePreset()
