@@ -34,14 +34,6 @@ bool namesServer(const QUrl& url)
     return url.isValid() && !url.host().isEmpty();
 }
 
-QDomDocument documentOf(const QByteArray& data)
-{
-    XmlReading reading(data);
-    while (reading.readOn()) {
-    }
-    return reading.takeDocument();
-}
-
 void readInTurns(QNetworkReply* reply, const std::function<void(const QDomDocument&)>& done)
 {
     const auto reading = std::make_shared<XmlReading>(reply->readAll());

@@ -31,9 +31,6 @@ public:
 /// Whether there is a server to ask. QUrl also takes a URL without a host for valid.
 bool namesServer(const QUrl& url);
 
-/// The whole document at once: see XmlReading.
-QDomDocument documentOf(const QByteArray& data);
-
 /// The reply's document, read between the other events; done is not called once the reply has gone.
 void readInTurns(QNetworkReply* reply, const std::function<void(const QDomDocument&)>& done);
 

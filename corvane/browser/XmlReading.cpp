@@ -5,6 +5,8 @@
 #include <QTextDecoder>
 #include <QTimer>
 
+#include <utility>
+
 namespace Corvane::Gui {
 namespace {
 
@@ -30,19 +32,15 @@ QTextCodec* codecOf(const QByteArray& data)
 
 } // namespace
 
-XmlReading::XmlReading(const QByteArray& data)
-    : bytes(data),
-      decoder(codecOf(data)->makeDecoder()),
-      document(QString())
+XmlWalk::XmlWalk(const QByteArray& data) : bytes(data), decoder(codecOf(data)->makeDecoder())
 {
     reader.setNamespaceProcessing(false);
-    current = document;
 }
 
-XmlReading::~XmlReading() = default;
+XmlWalk::~XmlWalk() = default;
 
 // Up to the end of a tag, so that no text is cut in two.
-bool XmlReading::feed()
+bool XmlWalk::feed()
 {
     if (fed == bytes.size()) {
         return false;
@@ -54,7 +52,7 @@ bool XmlReading::feed()
     return true;
 }
 
-bool XmlReading::readOn()
+bool XmlWalk::readOn()
 {
     for (int i = 0; i < tokensInPiece; ++i) {
         const QXmlStreamReader::TokenType token = reader.readNext();
@@ -66,18 +64,21 @@ bool XmlReading::readOn()
     return true;
 }
 
-bool XmlReading::take(QXmlStreamReader::TokenType token)
+bool XmlWalk::take(QXmlStreamReader::TokenType token)
 {
     switch (token) {
     case QXmlStreamReader::StartElement:
-        startElement();
+        isBroken = ++depth > deepestNesting;
+        startElement(reader.qualifiedName().toString(), reader.attributes());
         break;
     case QXmlStreamReader::EndElement:
-        current = current.parentNode();
+        endElement();
         --depth;
         break;
     case QXmlStreamReader::Characters:
-        addText();
+        if (!reader.isWhitespace() || reader.isCDATA()) {
+            addText(reader.text().toString());
+        }
         break;
     case QXmlStreamReader::Invalid:
         isBroken = true;
@@ -88,11 +89,16 @@ bool XmlReading::take(QXmlStreamReader::TokenType token)
     return !isBroken && !reader.atEnd();
 }
 
-void XmlReading::startElement()
+XmlReading::XmlReading(const QByteArray& data)
+    : XmlWalk(data),
+      document(QString()),
+      current(document)
 {
-    isBroken = ++depth > deepestNesting;
-    QDomElement element = document.createElement(reader.qualifiedName().toString());
-    const QXmlStreamAttributes attributes = reader.attributes();
+}
+
+void XmlReading::startElement(const QString& name, const QXmlStreamAttributes& attributes)
+{
+    QDomElement element = document.createElement(name);
     for (const QXmlStreamAttribute& attribute : attributes) {
         element.setAttribute(attribute.qualifiedName().toString(), attribute.value().toString());
     }
@@ -100,10 +106,37 @@ void XmlReading::startElement()
     current = element;
 }
 
-void XmlReading::addText()
+void XmlReading::endElement()
 {
-    if (!reader.isWhitespace() || reader.isCDATA()) {
-        current.appendChild(document.createTextNode(reader.text().toString()));
+    current = current.parentNode();
+}
+
+void XmlReading::addText(const QString& text)
+{
+    current.appendChild(document.createTextNode(text));
+}
+
+FirstElements::FirstElements(const QByteArray& data, QStringList wanted)
+    : XmlWalk(data),
+      names(std::move(wanted))
+{
+}
+
+bool FirstElements::has(const char* name) const
+{
+    return isWhole() && elements.contains(QLatin1String(name));
+}
+
+QString FirstElements::attribute(const char* element, const char* name) const
+{
+    return has(element) ? elements[QLatin1String(element)].value(QLatin1String(name)).toString()
+                        : QString();
+}
+
+void FirstElements::startElement(const QString& name, const QXmlStreamAttributes& attributes)
+{
+    if (names.contains(name) && !elements.contains(name)) {
+        elements.insert(name, attributes);
     }
 }
 

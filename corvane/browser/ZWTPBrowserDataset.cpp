@@ -4,6 +4,7 @@
 
 #include <corvane/browser/ServerItems_p.h>
 #include <corvane/browser/ServerReply_p.h>
+#include <corvane/browser/XmlReading_p.h>
 #include <corvane/core/Application.h>
 #include <corvane/core/StringUtil.h>
 
@@ -15,13 +16,18 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QPixmap>
+#include <QStringList>
 #include <QUrlQuery>
+
+#include <functional>
+#include <memory>
 
 namespace Corvane::Gui {
 namespace {
 
-constexpr int frame = 2;                   // pixels, both sides of the label together
-constexpr qint64 largestPicture = 1 << 24; // pixels: a preview is asked for at the label's size
+const char detailsTurns[] = "detailsTurns"; // who reads a description
+constexpr int frame = 2;                    // pixels, both sides of the label together
+constexpr qint64 largestPicture = 1 << 24;  // pixels: a preview is asked for at the label's size
 
 QString formatSize(quint64 bytes, const char* format)
 {
@@ -40,11 +46,13 @@ QPixmap pictureOf(QByteArray data)
     return picture;
 }
 
-/// With a fixed count of decimals; 0 where it is no number.
-QString decimal(const QDomElement& element, const char* name)
+/// Of the box, with a fixed count of decimals; 0 where it is no number, empty without a box.
+QString corner(const FirstElements& description, const char* name)
 {
     constexpr int decimals = 6;
-    return QString::number(element.attribute(QLatin1String(name)).toDouble(), 'f', decimals);
+    return description.has("BBOX")
+               ? QString::number(description.attribute("BBOX", name).toDouble(), 'f', decimals)
+               : QString();
 }
 
 quint64 countOf(const QString& text)
@@ -55,6 +63,44 @@ quint64 countOf(const QString& text)
 QString grouped(const QString& text)
 {
     return QLocale::system().toString(text.toInt());
+}
+
+void showDetails(const FirstElements& description, Ui::ZWTPBrowserClass& form)
+{
+    const QString width = description.attribute("DSINFO", "width");
+    const QString height = description.attribute("DSINFO", "height");
+    const QString count = description.attribute("Bands", "num");
+    // One byte for each cell and band, whatever the cell type says.
+    const quint64 bytes = countOf(width) * countOf(height) * countOf(count);
+
+    showText(form.srsCode, QStringLiteral("EPSG:") + description.attribute("COORDSPACE", "epsg"));
+    showText(form.dimensions, grouped(width) + QStringLiteral(" x ") + grouped(height));
+    showText(form.topLeftX, corner(description, "tlX"));
+    showText(form.topLeftY, corner(description, "tlY"));
+    showText(form.bottomRightX, corner(description, "brX"));
+    showText(form.bottomRightY, corner(description, "brY"));
+    showText(form.cellSize,
+             QStringLiteral("%1 , %2 (%3)")
+                 .arg(corner(description, "cellsizeX"), corner(description, "cellsizeY"),
+                      description.attribute("COORDSPACE", "units")));
+    showText(form.cellType, description.attribute("LAYER", "celltype"));
+    showText(form.bands, count);
+    showText(form.colorSpace, description.attribute("DSINFO", "colorspace"));
+    showText(form.opacity, description.attribute("Bands", "HasAllOpacity"));
+    showText(form.diskSize, formatSize(bytes, "%2.2f"));
+}
+
+/// The oldest first.
+void giveUpTurnsBefore(const QObject& browser, const QObject* last)
+{
+    const QList<QObject*> all =
+        browser.findChildren<QObject*>(QLatin1String(detailsTurns), Qt::FindDirectChildrenOnly);
+    for (QObject* const turns : all) {
+        if (turns == last) {
+            return;
+        }
+        delete turns;
+    }
 }
 
 } // namespace
@@ -156,44 +202,35 @@ void ZWTPBrowser::finishedDsinfoConnect()
     setDatasetInfo(description);
 }
 
+// A long description is read between other events; what came before a later one that is shown already
+// is given up.
 bool ZWTPBrowser::setDatasetInfo(QByteArray& xml)
 {
-    try {
-        const QDomDocument description = documentOf(xml);
-        const QDomElement dataset = firstElement(description, "DSINFO");
-        if (dataset.isNull()) {
-            return true;
+    const auto reading = std::make_shared<FirstElements>(
+        xml, QStringList{QStringLiteral("DSINFO"), QStringLiteral("COORDSPACE"),
+                         QStringLiteral("BBOX"), QStringLiteral("LAYER"), QStringLiteral("Bands")});
+    const auto guarded = [this](const std::function<bool()>& step) {
+        try {
+            return step();
+        } catch (...) {
+            ui->imageLabel->setToolTip(tr("Exception generated processing <DSINFO> tag."));
+            return false;
         }
-        const QDomElement space = firstElement(description, "COORDSPACE");
-        const QDomElement box = firstElement(description, "BBOX");
-        const QDomElement bands = firstElement(description, "Bands");
-        const auto corner = [&box](const char* name) {
-            return box.isNull() ? QString() : decimal(box, name);
-        };
-        const QString width = dataset.attribute(QStringLiteral("width"));
-        const QString height = dataset.attribute(QStringLiteral("height"));
-        const QString count = bands.attribute(QStringLiteral("num"));
-        // One byte for each cell and band, whatever the cell type says.
-        const quint64 bytes = countOf(width) * countOf(height) * countOf(count);
-
-        showText(ui->srsCode, QStringLiteral("EPSG:") + space.attribute(QStringLiteral("epsg")));
-        showText(ui->dimensions, grouped(width) + QStringLiteral(" x ") + grouped(height));
-        showText(ui->topLeftX, corner("tlX"));
-        showText(ui->topLeftY, corner("tlY"));
-        showText(ui->bottomRightX, corner("brX"));
-        showText(ui->bottomRightY, corner("brY"));
-        showText(ui->cellSize, QStringLiteral("%1 , %2 (%3)")
-                                   .arg(corner("cellsizeX"), corner("cellsizeY"),
-                                        space.attribute(QStringLiteral("units"))));
-        showText(ui->cellType,
-                 firstElement(description, "LAYER").attribute(QStringLiteral("celltype")));
-        showText(ui->bands, count);
-        showText(ui->colorSpace, dataset.attribute(QStringLiteral("colorspace")));
-        showText(ui->opacity, bands.attribute(QStringLiteral("HasAllOpacity")));
-        showText(ui->diskSize, formatSize(bytes, "%2.2f"));
-    } catch (...) {
-        ui->imageLabel->setToolTip(tr("Exception generated processing <DSINFO> tag."));
-    }
+    };
+    auto* const turns = new QObject(this);
+    turns->setObjectName(QLatin1String(detailsTurns));
+    takeTurns(
+        turns, [reading, guarded] { return guarded([&reading] { return reading->readOn(); }); },
+        [this, reading, guarded, turns] {
+            if (reading->has("DSINFO")) {
+                giveUpTurnsBefore(*this, turns);
+                guarded([this, &reading] {
+                    showDetails(*reading, *ui);
+                    return true;
+                });
+            }
+            turns->deleteLater();
+        });
     return true;
 }
 

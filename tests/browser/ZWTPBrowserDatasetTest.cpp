@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QPixmap>
+#include <QTimer>
 #include <QtTest>
 
 using namespace Corvane;
@@ -87,6 +88,8 @@ public:
         }
         return texts;
     }
+    /// Whether a description is being read.
+    bool isDescribing() { return dialog().findChild<QObject*>("detailsTurns") != nullptr; }
     QSize picture() { return find<QLabel>("imageLabel").pixmap(Qt::ReturnByValue).size(); }
 
     bool isConnected = false;
@@ -105,6 +108,14 @@ const QByteArray everything =
     "<COORDSPACE epsg='32633' units='Meters'/>"
     "<BBOX cellsizeX='0.5' cellsizeY='-0.25' tlX='500000' tlY='4000000.1234567' brX='500050' "
     "brY='3999950'/><LAYER celltype='UINT8'/><Bands num='3' HasAllOpacity='false'/></info>";
+
+constexpr int leastTurns = 90; // the reading takes a hundred, at two tokens for each element
+
+QByteArray longDescription(const QByteArray& dataset)
+{
+    return "<info><LAYER celltype='first'/>" +
+           QByteArray("<LAYER celltype='more'/>").repeated(200000) + '<' + dataset + "/></info>";
+}
 
 const QStringList everythingShown = {"EPSG:32633",
                                      "100 x 200",
@@ -134,6 +145,8 @@ private slots:
     void withoutThePreviewNothingIsAskedFor();
     void thePreviewAndTheDetailsAreShown();
     void theUserIsNotHeldUp();
+    void aLongDescriptionIsReadBetweenOtherEvents();
+    void aLongDescriptionDoesNotReplaceALaterOne();
     void theLabelTellsWhatFailed_data();
     void theLabelTellsWhatFailed();
     void whatIsNoPictureIsLogged();
@@ -317,6 +330,38 @@ void ZWTPBrowserDatasetTest::theUserIsNotHeldUp()
     QCOMPARE(stage.text("imageLabel"), QString("No preview"));
     stage.server.release();
     QVERIFY(comesTrue([&stage] { return stage.picture() == QSize(120, 90); }));
+}
+
+void ZWTPBrowserDatasetTest::aLongDescriptionIsReadBetweenOtherEvents()
+{
+    DatasetStage stage("13.0.0.0");
+    stage.answer(picture(10, 10), HttpReply::data(longDescription("DSINFO width='7'")));
+    int turns = 0;
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, &timer, [&] { turns += stage.isDescribing() ? 1 : 0; });
+    timer.start(0);
+    QVERIFY(stage.look("north.jp2"));
+    QVERIFY(comesTrue([&stage] { return !stage.isDescribing(); }));
+    QCOMPARE(stage.text("dimensions"), QString("7 x 0"));
+    QCOMPARE(stage.text("cellType"), QString("first")); // of the many
+    QVERIFY2(turns >= leastTurns, qPrintable(QString::number(turns)));
+}
+
+void ZWTPBrowserDatasetTest::aLongDescriptionDoesNotReplaceALaterOne()
+{
+    DatasetStage stage("13.0.0.0");
+    stage.answer(picture(10, 10), HttpReply::data(longDescription("DSINFO width='7'")));
+    QVERIFY(stage.look("north.jp2"));
+    stage.answer(picture(10, 10), HttpReply::data("<none/>"));
+    QVERIFY(stage.look("b.jp2"));
+    QVERIFY(comesTrue([&stage] { return !stage.isDescribing(); }));
+    QCOMPARE(stage.text("dimensions"), QString("7 x 0")); // what says nothing takes nothing away
+    stage.answer(picture(10, 10), HttpReply::data(longDescription("DSINFO width='8'")));
+    QVERIFY(stage.look("north.jp2"));
+    stage.answer(picture(10, 10), HttpReply::data(everything));
+    QVERIFY(stage.look("b.jp2"));
+    QVERIFY(comesTrue([&stage] { return !stage.isDescribing(); }));
+    QCOMPARE(stage.details(), everythingShown);
 }
 
 void ZWTPBrowserDatasetTest::theLabelTellsWhatFailed_data()
