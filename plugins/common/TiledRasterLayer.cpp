@@ -85,8 +85,10 @@ void TiledRasterLayer::setVisible(bool v)
 void TiledRasterLayer::setView(int width, int height, double tlx, double tly, double brx,
                                double bry)
 {
-    viewMayBeStale = false;
-    view.setView(width, height, tlx, tly, brx, bry);
+    viewMayBeStale = !visible;
+    if (visible) {
+        view.setView(width, height, tlx, tly, brx, bry);
+    }
 }
 
 void TiledRasterLayer::setViewAgain()

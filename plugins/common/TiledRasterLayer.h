@@ -28,6 +28,7 @@ public:
 
     bool isVisible() override;
     void setVisible(bool v) override;
+    /// A layer that is hidden takes the view when it is shown: nothing is read for it before.
     void setView(int width, int height, double tlx, double tly, double brx, double bry) override;
     void beginUpdate(bool zoom) override;
     void endUpdate() override;

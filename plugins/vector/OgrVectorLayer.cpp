@@ -329,8 +329,8 @@ void OgrVectorLayer::setWaitLimit(double seconds)
 
 void OgrVectorLayer::setView(int width, int height, double tlx, double tly, double brx, double bry)
 {
-    viewMayBeStale = false;
-    if (!facts) {
+    viewMayBeStale = !visible;
+    if (!facts || !visible) { // one that is hidden takes the view when it is shown
         return;
     }
     followMap();

@@ -213,11 +213,7 @@ void RenderTest::aHiddenLayerIsNoGap()
         map("b.cmap", layer(path("plain.tif")) + layer(path("damaged.tif"), hidden));
     const Run run = runViewer({"--render", picture, "--size", "64x64", file});
     QVERIFY2(run.exitCode == 0, run.errors);
-    // a read of the layer may have begun before it was hidden, and is in the log then; nothing else is
-    const QByteArray read = " Warning: cannot read " + path("damaged.tif").toLocal8Bit() + ": ";
-    for (const QByteArray& line : run.errors.split('\n')) {
-        QVERIFY2(line.isEmpty() || line.contains(read), run.errors);
-    }
+    QCOMPARE(run.errors, QByteArray()); // nobody has read it
 }
 
 void RenderTest::aSnapshotListsNoGaps()
