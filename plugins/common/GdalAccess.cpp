@@ -146,7 +146,8 @@ QString nameForGdal(const QDomNode& element, const QDir& baseDir)
     if (!isPlainFile(name)) {
         return name;
     }
-    const bool isMissing = !name.isEmpty() && !baseDir.exists(name);
+    const bool isMissing =
+        QDir::isRelativePath(name) && !name.isEmpty() && !baseDir.exists(name);
     return isMissing ? QDir::cleanPath(baseDir.absoluteFilePath(name)) : QString();
 }
 

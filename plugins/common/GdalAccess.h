@@ -55,8 +55,8 @@ void forgetRemote(const QString& name);
 QString gdalName(const QString& dataSource);
 
 /// The source that a document's layer element names, where the base class would lose it, which looks
-/// for relative files: what only GDAL understands, and a file that is missing, which keeps the name
-/// that it would have. Empty for others.
+/// for relative files: what only GDAL understands, and a relative one that is missing, which keeps the
+/// name that it would have. Empty for others.
 QString nameForGdal(const QDomNode& element, const QDir& baseDir);
 
 /// What a coordinate system is called and its EPSG code, 0 where it has none.

@@ -89,9 +89,6 @@ bool GdalRasterLayer::setDataSource(QString newSource)
     if (description.isEmpty()) {
         description = QFileInfo(dataSource).fileName();
     }
-    if (isPlainFile(dataSource) && !QFileInfo::exists(dataSource)) {
-        return fail(tr("the file does not exist"));
-    }
     startOpening(false);
     const int unhurried = isRemote(dataSource) ? remoteWaitLimit : -1;
     const OpeningPatience patience;
@@ -106,7 +103,9 @@ void GdalRasterLayer::startOpening(bool tells)
 {
     opening = std::make_shared<SourceOpening<RasterSource>>(
         [name = dataSource](QString* error, const std::atomic<bool>&) {
-            return RasterSource::open(name, error);
+            const bool isMissing = isPlainFile(name) && !QFileInfo::exists(name);
+            *error = isMissing ? tr("the file does not exist") : QString();
+            return isMissing ? nullptr : RasterSource::open(name, error);
         },
         [this] { QMetaObject::invokeMethod(this, "takeOpened", Qt::QueuedConnection); });
     if (tells) {
