@@ -14,7 +14,7 @@ struct OverviewProgress
     enum class State
     {
         None,     ///< nothing was begun, or it was cancelled
-        Building, ///< they are not there yet
+        Building, ///< they are not all there yet
         Done,     ///< they are there, and the layer reads them
         Failed
     };
@@ -27,8 +27,8 @@ struct OverviewProgress
 
 /// A layer that can have reduced copies made of an image that comes without any: without them a view
 /// of all of a large image takes reading all of it. The image itself is never written to. The layer
-/// stays the same object throughout, and shows the overviews as soon as they are there. A layer that
-/// goes gives up what it builds, and leaves nothing half done. GUI thread only.
+/// stays the same object throughout, and shows each overview as soon as it is whole. A layer that goes
+/// gives up what it builds, and leaves nothing half done. GUI thread only.
 class CORVANE_EXPORT ILayerOverviews
 {
 public:
@@ -36,7 +36,7 @@ public:
     virtual bool wantsOverviews() = 0;
     /// Begins in the background; false where wantsOverviews is, or where it has begun.
     virtual bool buildOverviews() = 0;
-    /// Gives them up. Nothing of them stays. Returns before that is done.
+    /// Gives them up. Nothing of them stays but what is shown. Returns before that is done.
     virtual void cancelOverviews() = 0;
     /// Cheap: may be asked several times a second.
     virtual OverviewProgress getOverviewProgress() = 0;

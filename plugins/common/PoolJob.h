@@ -26,7 +26,7 @@ public:
     /// abandoned is true.
     using Work =
         std::function<std::shared_ptr<Result>(QString* error, const std::atomic<bool>& abandoned)>;
-    /// Posts to a slot of the layer, by its name, that it has ended. On a pool thread, while the layer is there.
+    /// Posts to a slot of the layer, by its name, that it has ended or that the work has news. On a pool thread, while the layer is there.
     using Tell = std::function<void()>;
 
     PoolJob(Work toDo, Tell tellLayer) : work(std::move(toDo)), tell(std::move(tellLayer)) {}
@@ -64,6 +64,14 @@ public:
         const std::lock_guard<std::mutex> guard(mutex);
         *error = failure;
         return std::move(made);
+    }
+    /// For the work: tells the layer that there is something to look at before the end.
+    void tellMeanwhile()
+    {
+        if (lifeline.enter()) {
+            tell();
+            lifeline.leave();
+        }
     }
     /// From now on the layer is told when it ends. False where it has ended before.
     bool startTelling()

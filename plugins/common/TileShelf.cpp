@@ -18,6 +18,14 @@ qint64 bytesIn(const GeoImage& image)
     return static_cast<qint64>(image.sizeInBytes());
 }
 
+// Shares the pixels.
+std::unique_ptr<GeoImage> copyOf(const GeoImage& image)
+{
+    auto copy = std::make_unique<GeoImage>(0, 0, 0.0, 0.0, 0.0, 0.0, QImage::Format_RGB32, nullptr);
+    *copy = image;
+    return copy;
+}
+
 } // namespace
 
 TileShelf::TileShelf(ITiledLayer* tiledLayer, LayerLevels* pyramid)
@@ -26,10 +34,13 @@ TileShelf::TileShelf(ITiledLayer* tiledLayer, LayerLevels* pyramid)
 {
 }
 
+TileShelf::~TileShelf() = default;
+
 void TileShelf::clear(unsigned int newTileSize)
 {
     tileSize = newTileSize;
     tiles.clear();
+    outdated.clear();
     totalBytes = 0;
     qDeleteAll(*levels);
     levels->clear();
@@ -41,6 +52,7 @@ void TileShelf::add(const TileId& tile, std::unique_ptr<GeoImage> image)
     if (!level || !image) {
         return;
     }
+    forgetOutdated(tile);
     if (GeoImage* const present = find(tile)) { // which the level holds on to
         totalBytes += bytesIn(*image) - bytesIn(*present);
         *present = *image;
@@ -146,13 +158,59 @@ qint64 TileShelf::giveBack(unsigned int level, const std::function<bool(const Ti
     for (const auto& [tile, image] : old) {
         totalBytes -= bytesIn(*image);
         if (keep(tile)) {
-            auto kept =
-                std::make_unique<GeoImage>(0, 0, 0.0, 0.0, 0.0, 0.0, QImage::Format_RGB32, nullptr);
-            *kept = *image; // shares the pixels
-            add(tile, std::move(kept));
+            add(tile, copyOf(*image));
         }
     }
     return before - totalBytes;
+}
+
+void TileShelf::renew(const std::function<bool(unsigned int level)>& stays,
+                      const std::function<bool(const TileId&)>& keep)
+{
+    std::vector<Tiles> old;
+    old.swap(tiles);
+    for (unsigned int number = 0; number < old.size(); ++number) {
+        LayerLevel*& slot = (*levels)[static_cast<int>(number)];
+        const std::unique_ptr<LayerLevel> oldLevel(slot);
+        slot = new LayerLevel(layer, static_cast<unsigned char>(number), tileSize);
+        for (const auto& [tile, image] : old[number]) {
+            totalBytes -= bytesIn(*image);
+            if (stays(number)) {
+                add(tile, copyOf(*image));
+            } else if (keep(tile)) {
+                forgetOutdated(tile);
+                totalBytes += bytesIn(*image);
+                outdated.emplace(tile, copyOf(*image));
+            }
+        }
+    }
+}
+
+void TileShelf::forgetOutdated(const TileId& tile)
+{
+    const auto entry = outdated.find(tile);
+    if (entry != outdated.end()) {
+        totalBytes -= bytesIn(*entry->second);
+        outdated.erase(entry);
+    }
+}
+
+void TileShelf::visitOutdated(const TileRange& range,
+                              const std::function<void(GeoImage*)>& visitor) const
+{
+    for (const auto& [tile, image] : outdated) {
+        if (range.contains(tile)) {
+            visitor(image.get());
+        }
+    }
+}
+
+void TileShelf::dropOutdated()
+{
+    for (const auto& entry : outdated) {
+        totalBytes -= bytesIn(*entry.second);
+    }
+    outdated.clear();
 }
 
 qint64 TileShelf::bytesOf(const TileId& tile) const

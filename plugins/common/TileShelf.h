@@ -25,6 +25,9 @@ class TileShelf
 public:
     /// Both must outlive the shelf.
     TileShelf(ITiledLayer* layer, LayerLevels* levels);
+    ~TileShelf();
+    TileShelf(const TileShelf&) = delete;
+    TileShelf& operator=(const TileShelf&) = delete;
 
     /// Deletes the pyramid's levels with their tiles. tileSize, in pixels, is that of the levels to
     /// come.
@@ -46,6 +49,15 @@ public:
     /// Gives back the tiles of the level that keep refuses, whatever the level itself would hold
     /// on to: the level is replaced by a new one with those that stay. Returns the bytes freed.
     qint64 giveBack(unsigned int level, const std::function<bool(const TileId&)>& keep);
+    /// Makes the pyramid anew, where tiles have new keys. Those of levels that stay are in it again. The
+    /// others are not; those that keep holds on to are outdated: there to be shown in the place of new
+    /// ones.
+    void renew(const std::function<bool(unsigned int level)>& stays,
+               const std::function<bool(const TileId&)>& keep);
+    bool hasOutdated() const { return !outdated.empty(); }
+    /// The same as visit, of outdated tiles for which no new one has come.
+    void visitOutdated(const TileRange& range, const std::function<void(GeoImage*)>& visitor) const;
+    void dropOutdated();
     /// Pixel memory of all tiles.
     qint64 bytes() const { return totalBytes; }
     qint64 bytesOf(const TileId& tile) const;
@@ -56,9 +68,12 @@ public:
 private:
     using Tiles = std::unordered_map<TileId, GeoImage*, TileIdHash>;
 
+    void forgetOutdated(const TileId& tile);
+
     ITiledLayer* layer;       // not owned
     LayerLevels* levels;      // not owned
     std::vector<Tiles> tiles; // by level; the images belong to the levels
+    std::unordered_map<TileId, std::unique_ptr<GeoImage>, TileIdHash> outdated;
     unsigned int tileSize = 0;
     qint64 totalBytes = 0;
 };

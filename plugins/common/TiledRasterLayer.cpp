@@ -55,6 +55,24 @@ void TiledRasterLayer::startTiles(std::shared_ptr<TileLink> newLink, const char*
     view.start(std::shared_ptr<TileExchange>(link, &link->exchange), tileSize, coarsestIsCheap);
 }
 
+void TiledRasterLayer::carryOnTiles(std::shared_ptr<TileLink> newLink, const char* idPrefix,
+                                    bool coarsestIsCheap,
+                                    const std::function<bool(unsigned int level)>& stays)
+{
+    view.takeDelivered();
+    if (link) {
+        link->close();
+    }
+    link = std::move(newLink);
+    tileLayerId = newTileLayerId(idPrefix);
+    view.carryOn(std::shared_ptr<TileExchange>(link, &link->exchange), coarsestIsCheap, stays);
+    if (visible) {
+        view.askAgain();
+    } else {
+        view.forgetView();
+    }
+}
+
 void TiledRasterLayer::stopTiles()
 {
     if (link) {

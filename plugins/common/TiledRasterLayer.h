@@ -6,6 +6,7 @@
 #include <corvane/map/RasterLayer.h>
 #include <corvane/tiles/ITiledLayer.h>
 
+#include <functional>
 #include <memory>
 
 namespace Corvane::Map {
@@ -90,6 +91,10 @@ protected:
     /// under way for the old one is dropped. idPrefix begins the tiles' layer id.
     void startTiles(std::shared_ptr<TileLink> link, const char* idPrefix, unsigned int tileSize,
                     bool coarsestIsCheap);
+    /// Goes on with the same pyramid and other requests. Tiles of the levels that stay are kept; the
+    /// others are asked for anew, and those in view are shown until the new ones have come.
+    void carryOnTiles(std::shared_ptr<TileLink> link, const char* idPrefix, bool coarsestIsCheap,
+                      const std::function<bool(unsigned int level)>& stays);
     /// Drops the pyramid and what is under way. The destructor of a class that starts tiles calls it.
     void stopTiles();
     /// What holds until somebody sets a limit, in milliseconds.

@@ -72,17 +72,30 @@ void TiledView::start(std::shared_ptr<TileExchange> newExchange, unsigned int ti
 
 void TiledView::stop()
 {
-    roamTimer.stop();
     moveTimer.stop();
     owesSmoothing = false;
     exchange.reset();
     shelf.clear(0);
+    forgetView();
+}
+
+void TiledView::forgetView()
+{
+    roamTimer.stop();
     viewSet = false;
     owesFullLevel = false;
     gaveUpWaiting = false;
     chosen = TileRange();
     coarser = TileRange();
     underlay = TileRange();
+}
+
+void TiledView::carryOn(std::shared_ptr<TileExchange> newExchange, bool cheap,
+                        const std::function<bool(unsigned int level)>& stays)
+{
+    exchange = std::move(newExchange);
+    coarsestIsCheap = cheap;
+    shelf.renew(stays, [this](const TileId& tile) { return wants(tile); });
 }
 
 void TiledView::setView(int newWidth, int newHeight, double newTlx, double newTly, double newBrx,
@@ -146,6 +159,9 @@ void TiledView::takeDelivered()
     std::vector<DeliveredTile> tiles = exchange->takeDelivered();
     for (DeliveredTile& tile : tiles) {
         shelf.add(tile.tile, std::move(tile.image));
+    }
+    if (shelf.hasOutdated() && viewSet && shelf.countMissing(chosen) == 0) {
+        shelf.dropOutdated();
     }
     if (!tiles.empty()) {
         gaveUpWaiting = false;

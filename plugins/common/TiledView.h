@@ -37,6 +37,10 @@ public:
     /// Begins anew with an empty pyramid over the layer's present bounds and cell sizes. With
     /// coarsestIsCheap its last level is fetched beneath every view.
     void start(std::shared_ptr<TileExchange> exchange, unsigned int tileSize, bool coarsestIsCheap);
+    /// Goes on with the tiles of another exchange in the same pyramid. What is there of levels that do
+    /// not stay is shown where it is in view until new tiles come; nothing is asked for yet.
+    void carryOn(std::shared_ptr<TileExchange> exchange, bool coarsestIsCheap,
+                 const std::function<bool(unsigned int level)>& stays);
     /// Drops all tiles and the pyramid.
     void stop();
 
@@ -69,12 +73,16 @@ public:
     bool hasView() const { return viewSet; }
     /// Whether the last view has stood for a moment.
     bool isAtRest() const { return !moveTimer.isActive(); }
+    /// Nothing is wanted until the next view.
+    void forgetView();
     bool showsView(int width, int height, const QRectF& world) const;
     QRectF getWorld() const { return QRectF(tlx, tly, brx - tlx, bry - tly); }
     /// Whether the tile belongs to what the view shows.
     bool wants(const TileId& tile) const;
     /// Asks once more for what is missing of the view.
     void askAgain();
+    /// Puts the tiles that have come into the pyramid.
+    void takeDelivered();
     void beginUpdate();
     void endUpdate();
     /// Of a page that is printed in strips, the strip that was set last: see shownPart.
@@ -97,7 +105,6 @@ private:
     qint64 giveBackOtherLevels(qint64 wanted) override;
     qint64 giveBackOutOfView(qint64 wanted) override;
 
-    void takeDelivered();
     void updateRanges();
     void request(bool roaming);
     void requestCoarser();

@@ -47,7 +47,11 @@ UnderlayPainter::UnderlayPainter(const TileShelf& tileShelf, const QRectF& world
 void UnderlayPainter::paint(GeoPainter& painter, const TileRange& chosen, unsigned int levelCount,
                             const TileBounds& tileBounds)
 {
+    chosenLevel = chosen.level;
     collectHoles(chosen, tileBounds);
+    if (shelf.hasOutdated()) {
+        paintLevel(painter, chosen.level);
+    }
     for (const unsigned int level : levelsByMerit(chosen.level, levelCount)) {
         if (holes.isEmpty()) {
             return;
@@ -89,13 +93,18 @@ void UnderlayPainter::paintLevel(GeoPainter& painter, unsigned int level)
 
     QRegion covered;
     std::vector<GeoImage*> images;
-    shelf.visit(shelf.rangeOf(level, tlx, tly, brx, bry), [&](const TileId&, GeoImage* image) {
+    const TileRange range = shelf.rangeOf(level, tlx, tly, brx, bry);
+    const auto take = [&](GeoImage* image) {
         const QRect area = onDevice(image->tlx, image->tly, image->brx, image->bry);
         if (holes.intersects(area)) {
             covered += area;
             images.push_back(image);
         }
-    });
+    };
+    if (level != chosenLevel) {
+        shelf.visit(range, [&take](const TileId&, GeoImage* image) { take(image); });
+    }
+    shelf.visitOutdated(range, take);
     if (images.empty()) {
         return;
     }

@@ -17,8 +17,8 @@ namespace Map {
 
 class TileShelf;
 
-/// Fills the places of tiles that have not come with what other levels hold, each spot from one
-/// level only: finer levels near by first, then coarser ones, then whatever is left.
+/// Fills the places of tiles that have not come with outdated ones or what other levels hold, each spot
+/// from one level only: finer levels near by first, then coarser ones, then whatever is left.
 /// For one paint pass, on the layer's thread.
 class UnderlayPainter
 {
@@ -43,6 +43,7 @@ private:
     QRectF world;
     QRect device;
     QRectF bounds;
+    unsigned int chosenLevel = 0;
     QRegion holes; // device pixels that are still bare
 };
 

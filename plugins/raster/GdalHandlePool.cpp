@@ -16,27 +16,6 @@ namespace {
 constexpr int mostIdleHandles = 200;
 std::atomic<int> idleHandles{0};
 
-// A view of a source that lies north-up, made of the source's own pixels where that can be.
-DatasetPointer warpToNorthUp(GDALDatasetH original)
-{
-    GDALRasterBandH first = GDALGetRasterBand(original, 1);
-    const bool mirrored = isOnlyMirrored(original);
-    const bool nearest = mirrored || GDALGetRasterColorTable(first) != nullptr;
-    std::vector<const char*> arguments = {"-of", "VRT", "-r", nearest ? "near" : "bilinear",
-                                          mirrored ? nullptr : "-dstalpha"};
-    arguments.push_back(nullptr);
-    GDALWarpAppOptions* const options =
-        GDALWarpAppOptionsNew(const_cast<char**>(arguments.data()), nullptr);
-    if (!options) {
-        return nullptr;
-    }
-    GDALDatasetH sources[] = {original};
-    int usageError = 0;
-    DatasetPointer warped(GDALWarp("", nullptr, 1, sources, options, &usageError));
-    GDALWarpAppOptionsFree(options);
-    return warped;
-}
-
 // A container without an image of its own stands for its first image.
 QString firstSubdataset(GDALDatasetH dataset)
 {
@@ -50,18 +29,6 @@ bool fits(GDALDatasetH overviews, GDALDatasetH image)
     return GDALGetRasterCount(overviews) == GDALGetRasterCount(image) &&
            isHalf(GDALGetRasterXSize(overviews), GDALGetRasterXSize(image)) &&
            isHalf(GDALGetRasterYSize(overviews), GDALGetRasterYSize(image));
-}
-
-DatasetPointer openOverviews(const QString& name, const RasterHandle& handle)
-{
-    const bool needed = !handle.warped && handle.overviewCount() == 0;
-    DatasetPointer opened;
-    if (needed && !name.isEmpty()) {
-        const GdalErrors errors; // without them it goes as well
-        opened = openRasterDataset(name, false, nullptr);
-    }
-    return opened && fits(opened.get(), handle.original.get()) ? std::move(opened)
-                                                               : DatasetPointer();
 }
 
 } // namespace
@@ -81,8 +48,7 @@ GDALRasterBandH RasterHandle::overviewBand(int band, int overview) const
     return overview == 0 ? finest : GDALGetOverview(finest, overview - 1);
 }
 
-std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QString* error,
-                                         const QString& overviews)
+std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QString* error)
 {
     auto handle = std::make_unique<RasterHandle>();
     handle->original = openRasterDataset(name, remote, error);
@@ -101,15 +67,48 @@ std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QStri
         const GdalErrors errors; // a transform that cannot be made leaves plain pixels
         handle->warped = warpToNorthUp(handle->original.get());
     }
-    handle->overviews = openOverviews(overviews, *handle);
     return handle;
 }
 
-GdalHandlePool::GdalHandlePool(QString datasetName, bool overNetwork, QString overviewsName,
+DatasetPointer warpToNorthUp(GDALDatasetH original, const QString& file)
+{
+    GDALRasterBandH first = GDALGetRasterBand(original, 1);
+    const bool mirrored = isOnlyMirrored(original);
+    const bool nearest = mirrored || GDALGetRasterColorTable(first) != nullptr;
+    std::vector<const char*> arguments = {"-of", "VRT", "-r", nearest ? "near" : "bilinear",
+                                          mirrored ? nullptr : "-dstalpha"};
+    arguments.push_back(nullptr);
+    GDALWarpAppOptions* const options =
+        GDALWarpAppOptionsNew(const_cast<char**>(arguments.data()), nullptr);
+    if (!options) {
+        return nullptr;
+    }
+    GDALDatasetH sources[] = {original};
+    int usageError = 0;
+    DatasetPointer warped(
+        GDALWarp(file.toUtf8().constData(), nullptr, 1, sources, options, &usageError));
+    GDALWarpAppOptionsFree(options);
+    return warped;
+}
+
+void addOverviews(RasterHandle& handle, const OverviewFile& overviews)
+{
+    if (overviews.isEmpty() || handle.overviewCount() > 0) {
+        return;
+    }
+    const GdalErrors errors;            // without them it goes as well
+    constexpr bool looksAround = false; // for files that lie beside it
+    DatasetPointer opened = openRasterDataset(overviews.name, !looksAround, nullptr);
+    if (opened && fits(opened.get(), handle.shown())) {
+        handle.overviews = std::move(opened);
+    }
+}
+
+GdalHandlePool::GdalHandlePool(QString datasetName, bool overNetwork, OverviewFile overviewFile,
                                std::unique_ptr<RasterHandle> first)
     : name(std::move(datasetName)),
       remote(overNetwork),
-      overviews(std::move(overviewsName))
+      overviews(std::move(overviewFile))
 {
     release(std::move(first));
 }
@@ -130,7 +129,10 @@ GdalHandlePool::Lease GdalHandlePool::acquire(QString* error)
             return Lease(this, std::move(handle));
         }
     }
-    std::unique_ptr<RasterHandle> opened = openHandle(name, remote, error, overviews);
+    std::unique_ptr<RasterHandle> opened = openHandle(name, remote, error);
+    if (opened) {
+        addOverviews(*opened, overviews);
+    }
     if (opened && !overviews.isEmpty() && !opened->overviews) {
         *error = QStringLiteral("the overviews are gone"); // which the first handle has seen
         opened.reset();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <plugins/raster/GdalSupport.h>
+#include <plugins/raster/OverviewFile.h>
 
 #include <QString>
 
@@ -17,7 +18,7 @@ struct RasterHandle
     DatasetPointer original;
     DatasetPointer warped; ///< closed before the original, which it reads
     DatasetPointer
-        overviews; ///< of the original, from elsewhere; null where it has its own or none
+        overviews; ///< of what is shown, from elsewhere; null where it has its own or none
 
     GDALDatasetH shown() const { return warped ? warped.get() : original.get(); }
     int overviewCount() const;
@@ -25,16 +26,19 @@ struct RasterHandle
     GDALRasterBandH overviewBand(int band, int overview) const;
 };
 
-/// Opens name for reading; null with the reason in error. overviews is a file that holds some for it,
-/// which is used where it fits and is needed; empty for none. Any thread; may take long.
-std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QString* error,
-                                         const QString& overviews = QString());
+/// Opens name for reading; null with the reason in error. Any thread; may take long.
+std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QString* error);
+/// A view of an image that lies north-up, made of the image's own pixels where that can be; kept in a
+/// file where one is named. Null on failure. Any thread.
+DatasetPointer warpToNorthUp(GDALDatasetH original, const QString& file = QString());
+/// Has the handle read overviews from there, where they fit and are needed. Any thread.
+void addOverviews(RasterHandle& handle, const OverviewFile& overviews);
 
 /// The open handles of one source that nobody uses at the moment. Any thread.
 class GdalHandlePool
 {
 public:
-    GdalHandlePool(QString name, bool remote, QString overviews,
+    GdalHandlePool(QString name, bool remote, OverviewFile overviews,
                    std::unique_ptr<RasterHandle> first);
     ~GdalHandlePool();
     GdalHandlePool(const GdalHandlePool&) = delete;
@@ -65,7 +69,7 @@ private:
 
     QString name;
     bool remote;
-    QString overviews;
+    OverviewFile overviews;
     std::mutex mutex;                                // guards idle
     std::vector<std::unique_ptr<RasterHandle>> idle; // used last at the end: its caches are warm
 };

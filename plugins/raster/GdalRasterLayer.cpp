@@ -4,7 +4,7 @@
 #include <plugins/common/OpeningPatience.h>
 #include <plugins/common/PoolTask.h>
 #include <plugins/common/ServerSource.h>
-#include <plugins/raster/OverviewBuilder.h>
+#include <plugins/raster/OverviewBuilding.h>
 #include <plugins/raster/RasterCells.h>
 #include <plugins/raster/RasterSource.h>
 #include <plugins/raster/RasterStatistics.h>
@@ -29,20 +29,6 @@ namespace {
 
 constexpr int remoteWaitLimit = 60 * 1000; // milliseconds, for what has to come before we go on
 constexpr int cellPriority = 2;            // on the pool, before sources that open and tiles
-constexpr int cheapReduction = 4;          // by which the coarsest level may be reduced when read
-
-// Whether the coarsest level can be read beneath every view: without an overview near its size it
-// takes reading most of the image.
-bool coarsestIsCheap(const RasterFacts& facts)
-{
-    const qint64 smaller = std::min(facts.size.width(), facts.size.height());
-    std::size_t level = 0;
-    for (qint64 side = smaller / 2; side > facts.tileSize; side /= 2) {
-        ++level;
-    }
-    const LevelFacts& coarsest = facts.levels[std::min(level, facts.levels.size() - 1)];
-    return coarsest.sourceSize.width() <= coarsest.size.width() * cheapReduction;
-}
 
 } // namespace
 
@@ -170,7 +156,7 @@ void GdalRasterLayer::closeSource()
     }
     openingRetry.stop();
     tileRetry.stop();
-    cancelOverviews();
+    building.reset();
     overviewFile.clear();
     overviewFailure.clear();
     stopTiles();
@@ -192,7 +178,7 @@ void GdalRasterLayer::restartTiles()
     const BandPlan plan = planFor(known, validBands(known, bandList));
     tileRetry.stop();
     loader = std::make_shared<RasterTileLoader>(this, source, plan);
-    startTiles(loader, "raster", known.tileSize, coarsestIsCheap(known));
+    startTiles(loader, "raster", known.tileSize, known.isCoarsestCheap());
     if (source->isRemote()) {
         tileRetry.follow(&loader->attempts, &source->health);
     }

@@ -16,10 +16,9 @@
 
 namespace Corvane::Map {
 
+class OverviewBuilding;
 class RasterSource;
 class RasterTileLoader;
-struct BuiltOverviews;
-struct OverviewMeter;
 struct RasterFacts;
 
 /// A raster of whatever kind GDAL opens, of whatever size: reads it in tiles on the pool and shows
@@ -93,10 +92,11 @@ public:
     /// Columns and rows are those of the source, also where it is warped to be shown.
     void readCells(std::shared_ptr<CellRequest> request) override;
 
-    /// From "Plugins/Raster/LargeImagePixels" on, a hundred million unless set.
+    /// From "Plugins/Raster/LargeImagePixels" on, a hundred million unless set. Asks no disk.
     bool wantsOverviews() override;
-    /// Beside the file, unless nothing can be written there, or "Plugins/Raster/OverviewsBeside" is
-    /// false; else in the user's cache folder, which "Plugins/Raster/OverviewCacheMB" limits.
+    /// Beside the file, unless nothing can be written there, "Plugins/Raster/OverviewsBeside" is
+    /// false, or they are of a part of the file or of a view that is turned; else in the user's cache
+    /// folder, which "Plugins/Raster/OverviewCacheMB" limits.
     bool buildOverviews() override;
     void cancelOverviews() override;
     OverviewProgress getOverviewProgress() override;
@@ -133,6 +133,8 @@ private:
     void adopt(std::shared_ptr<RasterSource> opened);
     bool fail(const QString& reason);
     void restartTiles();
+    void carryOnWith(std::shared_ptr<RasterSource> next, bool readsAnew);
+    void endOverviews();
     QRectF areaToCount(bool viewport, double tlx, double tly, double brx, double bry);
 
     QString dataSource;
@@ -142,11 +144,10 @@ private:
     std::shared_ptr<SourceOpening<RasterSource>> opening; // while a source is opening
     std::shared_ptr<RasterSource> source;                 // null while there is none
     std::shared_ptr<RasterTileLoader> loader;
-    OpeningRetry openingRetry;                         // of a remote source
-    TileRetry tileRetry;                               // the same
-    std::shared_ptr<PoolJob<BuiltOverviews>> building; // while overviews are built
-    std::shared_ptr<OverviewMeter> overviewMeter;      // of the last building
-    QString overviewFile;                              // that were built for this source
+    OpeningRetry openingRetry;                  // of a remote source
+    TileRetry tileRetry;                        // the same
+    std::unique_ptr<OverviewBuilding> building; // while overviews are built
+    QString overviewFile;                       // that were built for this source
     QString overviewFailure;
 };
 

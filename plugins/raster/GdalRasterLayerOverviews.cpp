@@ -1,15 +1,17 @@
 // How a GdalRasterLayer gets overviews that its image lacks.
 #include <plugins/raster/GdalRasterLayer.h>
 
-#include <plugins/common/GdalAccess.h>
-#include <plugins/raster/OverviewBuilder.h>
+#include <plugins/raster/OverviewBuilding.h>
 #include <plugins/raster/RasterSource.h>
+#include <plugins/raster/RasterTileLoader.h>
 
 #include <corvane/core/Application.h>
 
 #include <QDateTime>
 #include <QFileInfo>
 #include <QSettings>
+
+#include <utility>
 
 namespace Corvane::Map {
 
@@ -29,19 +31,15 @@ qint64 largeImage()
 
 } // namespace
 
-// A source that is warped to be shown reads the overviews of its original by GDAL's choice, and one
-// within a container has no file of its own that they could belong to.
+// Nothing here asks the disk, which may be far away: what is known of the file is from its opening.
 bool GdalRasterLayer::wantsOverviews()
 {
-    if (!source || opening || building || !isPlainFile(dataSource) ||
-        !QFileInfo(gdalName(dataSource)).isFile())
-    {
+    if (!source || opening || building || source->overviewOwner().isNull()) {
         return false;
     }
     const RasterFacts& known = *facts();
     const qint64 pixels = qint64{known.size.width()} * known.size.height();
-    return known.lacksOverviews() && !known.isWarped && !source->isPartOfFile() &&
-           pixels >= largeImage();
+    return known.lacksOverviews() && pixels >= largeImage();
 }
 
 bool GdalRasterLayer::buildOverviews()
@@ -51,23 +49,18 @@ bool GdalRasterLayer::buildOverviews()
     }
     overviewFailure.clear();
     overviewFile.clear();
-    overviewMeter = std::make_shared<OverviewMeter>();
-    building = std::make_shared<PoolJob<BuiltOverviews>>(
-        [order = OverviewOrder::of(gdalName(dataSource), *facts()),
-         meter = overviewMeter](QString* error, const std::atomic<bool>& abandoned) {
-            return Map::buildOverviews(order, *meter, abandoned, error);
-        },
-        [this] { QMetaObject::invokeMethod(this, "takeOverviews", Qt::QueuedConnection); });
-    building->startTelling();
-    building->startInBackground();
+    building = std::make_unique<OverviewBuilding>(
+        source, [this] { QMetaObject::invokeMethod(this, "takeOverviews", Qt::QueuedConnection); });
     return true;
 }
 
+// What is shown stays: it is the same, whatever it was read from.
 void GdalRasterLayer::cancelOverviews()
 {
     if (building) {
-        building->abandon();
+        const std::shared_ptr<RasterSource> plain = building->plainSource();
         building.reset();
+        carryOnWith(plain, false);
     }
 }
 
@@ -78,7 +71,7 @@ OverviewProgress GdalRasterLayer::getOverviewProgress()
     progress.folder = overviewFile.isEmpty() ? QString() : QFileInfo(overviewFile).absolutePath();
     if (building) {
         progress.state = OverviewProgress::State::Building;
-        progress.percent = overviewMeter->percent;
+        progress.percent = building->percent();
     } else if (!overviewFailure.isEmpty()) {
         progress.state = OverviewProgress::State::Failed;
     } else if (!overviewFile.isEmpty()) {
@@ -88,23 +81,60 @@ OverviewProgress GdalRasterLayer::getOverviewProgress()
     return progress;
 }
 
+// Told when a level has come and at the end; late, perhaps, of some that were given up.
 void GdalRasterLayer::takeOverviews()
 {
-    if (!building || !building->waitFor(0)) {
-        return; // told late, of some that were given up
-    }
-    QString error;
-    const std::shared_ptr<BuiltOverviews> built = building->result(&error);
-    building.reset();
-    if (built) {
-        overviewFile = built->file;
-        startOpening(true); // the image as it was stays in view until then
+    if (!building) {
         return;
     }
-    overviewFailure = error.isEmpty() ? tr("the image cannot be read") : error;
-    Application::logMessage(
-        QStringLiteral("cannot build overviews of %1: %2").arg(dataSource, overviewFailure),
-        LogLevel::Warning, QDateTime::currentDateTime());
+    if (const std::shared_ptr<RasterSource> more = building->takeSource()) {
+        carryOnWith(more, true);
+    }
+    if (building->isOver()) {
+        endOverviews();
+    }
+}
+
+void GdalRasterLayer::endOverviews()
+{
+    const OverviewBuilding::End end = building->end();
+    if (end.file.isEmpty()) {
+        cancelOverviews();
+        overviewFailure = end.failure.isEmpty() ? tr("the image cannot be read") : end.failure;
+        Application::logMessage(
+            QStringLiteral("cannot build overviews of %1: %2").arg(dataSource, overviewFailure),
+            LogLevel::Warning, QDateTime::currentDateTime());
+        return;
+    }
+    building.reset();
+    overviewFile = end.file;
+    if (!end.source) {
+        startOpening(true);
+        return;
+    }
+    carryOnWith(end.source, true);
+    emit sourceOpened(true);
+}
+
+// The same pixels from another source. readsAnew: tiles that it reads from elsewhere come once more,
+// and what is there stays in view until they have come.
+void GdalRasterLayer::carryOnWith(std::shared_ptr<RasterSource> next, bool readsAnew)
+{
+    if (!source || next == source) {
+        return;
+    }
+    const std::shared_ptr<RasterSource> before = std::exchange(source, std::move(next));
+    const RasterFacts& known = source->facts();
+    if (!known.showsLike(before->facts())) {
+        restartTiles();
+        refreshAll();
+        return;
+    }
+    loader = std::make_shared<RasterTileLoader>(this, source,
+                                                planFor(known, validBands(known, bandList)));
+    carryOnTiles(loader, "raster", known.isCoarsestCheap(), [&](unsigned int level) {
+        return !readsAnew || known.levels[level].readsLike(before->facts().levels[level]);
+    });
 }
 
 } // namespace Corvane::Map

@@ -2,8 +2,10 @@
 
 #include <plugins/common/GdalAccess.h>
 #include <plugins/common/PoolActivity.h>
-#include <plugins/raster/OverviewStore.h>
+#include <plugins/raster/GdalHandlePool.h>
+#include <plugins/raster/OverviewPlace.h>
 #include <plugins/raster/RasterFacts.h>
+#include <plugins/raster/TiffPages.h>
 
 #include <corvane/core/Application.h>
 #include <corvane/core/Integer.h>
@@ -12,21 +14,12 @@
 #include <gdal_utils.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QSettings>
-#include <QStorageInfo>
-#include <QSysInfo>
-#include <QTemporaryDir>
 
 #include <algorithm>
-#include <cerrno>
-#include <csignal>
 #include <utility>
 #include <vector>
-
-#include <unistd.h>
 
 namespace Corvane::Map {
 
@@ -34,7 +27,8 @@ namespace {
 
 constexpr int coarsestSide = 256; // pixels of the last overview, the longer side at the most
 constexpr int usualCacheMegabytes = 10240;
-const QLatin1String workPrefix(".overviews-");
+constexpr qint64 mostClassicBytes = qint64{1}
+                                    << 31; // of pixels that surely fit into a classic TIFF
 
 /// Options of GDAL for this thread alone, while it lives.
 class ThreadOptions
@@ -60,11 +54,12 @@ private:
     std::vector<const char*> names;
 };
 
+// Pages of several files come into one, so all are of one kind.
 void setOptions(ThreadOptions& options, const OverviewOrder& order)
 {
     options.set("GDAL_NUM_THREADS", "1");
     options.set("GDAL_TIFF_OVR_BLOCKSIZE", "256");
-    options.set("BIGTIFF_OVERVIEW", "IF_SAFER");
+    options.set("BIGTIFF_OVERVIEW", order.fullBytes > mostClassicBytes ? "YES" : "NO");
     options.set("INTERLEAVE_OVERVIEW", "PIXEL");
     options.set("COMPRESS_OVERVIEW", order.jpeg ? "JPEG" : "LZW");
     if (order.jpeg) {
@@ -74,160 +69,149 @@ void setOptions(ThreadOptions& options, const OverviewOrder& order)
     }
 }
 
-struct Progress
+int levelsOf(const QSize& size)
 {
-    OverviewMeter& meter;
-    const std::atomic<bool>& abandoned;
-
-    bool isStopped() const { return abandoned || PoolActivity::isEnding(); }
-    // Called by GDAL after each piece.
-    static int note(double done, const char*, void* self)
-    {
-        auto& progress = *static_cast<Progress*>(self);
-        progress.meter.percent = std::clamp(Util::truncateToInt(done * 100.0), 0, 100);
-        return progress.isStopped() ? FALSE : TRUE;
+    int levels = 1;
+    while (std::max(size.width(), size.height()) >> levels > coarsestSide) {
+        ++levels;
     }
-};
-
-// "…-HOST-PROCESS-XXXXXX": whose process is gone left it behind.
-QString workPattern()
-{
-    return workPrefix + QSysInfo::machineHostName() + QLatin1Char('-') +
-           QString::number(::getpid()) + QStringLiteral("-XXXXXX");
+    return levels;
 }
 
-void removeLeftovers(const QDir& folder)
+/// Each level takes a quarter of the time of the one before.
+class Progress
 {
-    const QString own = workPrefix + QSysInfo::machineHostName() + QLatin1Char('-');
-    const QStringList names = folder.entryList({own + QLatin1Char('*')},
-                                               QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
-    for (const QString& name : names) {
-        const auto process = name.mid(own.size()).section(QLatin1Char('-'), 0, 0).toInt();
-        if (process > 0 && ::kill(process, 0) != 0 && errno == ESRCH) {
-            QDir(folder.filePath(name)).removeRecursively();
+public:
+    Progress(OverviewMeter* meterToSet, const std::atomic<bool>* abandonedFlag, int levels)
+        : meter(meterToSet),
+          abandoned(abandonedFlag)
+    {
+        double next = 1.0;
+        for (int i = 0; i < levels; ++i) {
+            all += next;
+            next /= 4.0;
         }
     }
-}
-
-// Compressed they take less, and nobody knows how much.
-qint64 neededBytes(const OverviewOrder& order)
-{
-    return order.fullBytes / 3;
-}
-
-bool hasRoom(const QString& folder, const OverviewOrder& order)
-{
-    const QStorageInfo storage(folder);
-    return !storage.isValid() || storage.bytesAvailable() > neededBytes(order);
-}
-
-/// A folder of our own in one that can be written to, on the same disk.
-std::unique_ptr<QTemporaryDir> workIn(const QString& folder, const OverviewOrder& order)
-{
-    if (!hasRoom(folder, order)) {
-        return nullptr;
+    bool isStopped() const { return *abandoned || PoolActivity::isEnding(); }
+    void levelDone()
+    {
+        done += weight;
+        weight /= 4.0;
     }
-    removeLeftovers(QDir(folder));
-    auto work = std::make_unique<QTemporaryDir>(folder + QLatin1Char('/') + workPattern());
-    return work->isValid() ? std::move(work) : nullptr;
-}
+    // Called by GDAL after each piece.
+    static int note(double part, const char*, void* progress)
+    {
+        auto* const self = static_cast<Progress*>(progress);
+        const double share = (self->done + part * self->weight) / self->all;
+        self->meter->percent = std::clamp(Util::truncateToInt(share * 100.0), 0, 100);
+        return self->isStopped() ? FALSE : TRUE;
+    }
 
-DatasetPointer viewOf(const OverviewOrder& order, const QString& name, QString* error)
+private:
+    OverviewMeter* meter;               // not owned
+    const std::atomic<bool>* abandoned; // not owned
+    double all = 0.0;
+    double done = 0.0;
+    double weight = 1.0; // of the level that is made
+};
+
+// The image is only read: GDAL writes the overviews of a view of it beside that. Empty with the reason
+// in error.
+QString writeView(const OverviewOrder& order, const OverviewPlace& place, QString* error)
 {
-    const DatasetPointer source = openDataset(order.file, GDAL_OF_RASTER, nullptr, false, error);
+    const GdalErrors errors;
+    const OverviewOwner& owner = order.owner;
+    const QString name = owner.part.isEmpty() ? owner.file : owner.part;
+    DatasetPointer source = openRasterDataset(name, false, error);
+    if (source && owner.isWarped) {
+        const QString northUp = place.workFile(QStringLiteral("north-up.vrt"));
+        const bool isMade = warpToNorthUp(source.get(), northUp) != nullptr;
+        source = isMade ? openRasterDataset(northUp, false, error) : DatasetPointer();
+    }
     if (!source) {
-        return nullptr;
+        *error = error->isEmpty() ? errors.text() : *error;
+        return QString();
     }
-    const char* arguments[] = {"-of", "VRT", nullptr};
+    const QString view = place.workFile(QStringLiteral("view.vrt"));
+    // without an option a view of a view is a copy of that, and one that is turned gets no file
+    const char* arguments[] = {"-of", "VRT", "-norat", nullptr};
     GDALTranslateOptions* const options =
         GDALTranslateOptionsNew(const_cast<char**>(arguments), nullptr);
     int usageError = 0;
     const DatasetPointer written(
-        GDALTranslate(name.toUtf8().constData(), source.get(), options, &usageError));
+        GDALTranslate(view.toUtf8().constData(), source.get(), options, &usageError));
     GDALTranslateOptionsFree(options);
-    return written ? openDataset(name, GDAL_OF_RASTER, nullptr, false, error) : nullptr;
+    *error = written ? QString() : errors.text();
+    return written ? view : QString();
 }
 
-std::vector<int> factorsFor(const QSize& size)
-{
-    std::vector<int> factors;
-    for (int factor = 2;
-         factors.empty() || std::max(size.width(), size.height()) / (factor / 2) > coarsestSide;
-         factor *= 2)
-    {
-        factors.push_back(factor);
-    }
-    return factors;
-}
-
-// The image is only read: GDAL writes the overviews of a view of it beside that.
-bool writeOverviews(const OverviewOrder& order, const QString& view, Progress& progress,
-                    QString* error)
+// Makes a file of half the size, NAME.ovr, of a file that is only read.
+bool halve(const QString& name, const OverviewOrder& order, Progress& progress, QString* error)
 {
     const GdalErrors errors;
-    ThreadOptions options;
-    setOptions(options, order);
-    const DatasetPointer dataset = viewOf(order, view, error);
+    const DatasetPointer dataset = openRasterDataset(name, false, error);
     if (!dataset) {
-        *error = error->isEmpty() ? errors.text() : *error;
         return false;
     }
-    std::vector<int> factors = factorsFor(order.size);
-    const bool built = GDALBuildOverviews(dataset.get(), order.nearest ? "NEAREST" : "AVERAGE",
-                                          static_cast<int>(factors.size()), factors.data(), 0,
-                                          nullptr, &Progress::note, &progress) == CE_None;
-    if (!built) {
+    int half = 2;
+    const bool made = GDALBuildOverviews(dataset.get(), order.nearest ? "NEAREST" : "AVERAGE", 1,
+                                         &half, 0, nullptr, &Progress::note, &progress) == CE_None;
+    if (!made) {
         *error = errors.text();
     }
-    return built;
+    return made;
 }
 
-// On the disk, before it gets its name.
-bool flush(const QString& name)
+/// Puts one level after the other into one file.
+class Levels
 {
-    QFile file(name);
-    return file.open(QIODevice::ReadWrite) && ::fsync(file.handle()) == 0;
-}
+public:
+    Levels(const OverviewPlace& place, QString view)
+        : file(place.workFile(QStringLiteral("overviews.tif"))),
+          last(std::move(view)),
+          folder(place)
+    {
+    }
 
-/// Where they can lie, and a folder to make them in; null where that is nowhere.
-std::unique_ptr<QTemporaryDir> findPlace(const OverviewOrder& order, QString* target,
-                                         QString* error)
-{
-    if (order.mayLieBeside) {
-        *target = order.file + QStringLiteral(".ovr");
-        if (auto work = workIn(QFileInfo(order.file).absolutePath(), order)) {
-            return work;
+    /// The next level; false with the reason in error.
+    bool add(const OverviewOrder& order, Progress& progress, QString* error)
+    {
+        if (!halve(last, order, progress, error) || progress.isStopped()) {
+            return false;
         }
+        const QString made = last + QStringLiteral(".ovr");
+        const QString level = folder.workFile(QStringLiteral("level%1.tif").arg(++count));
+        const bool isFirst = count == 1;
+        const QString name = isFirst ? file : level;
+        if (!QFile::rename(made, name)) {
+            *error =
+                QCoreApplication::translate("OverviewBuilder", "%1 cannot be written").arg(name);
+            return false;
+        }
+        if (!isFirst && !appendPages(file, level, error)) {
+            return false;
+        }
+        if (count > 2) {
+            QFile::remove(last);
+        }
+        last = name;
+        return true;
     }
-    const QString folder = OverviewStore::folder();
-    *target = OverviewStore::nameFor(order.file);
-    if (target->isEmpty()) {
-        *error = QCoreApplication::translate("OverviewBuilder", "the file does not exist");
-        return nullptr;
-    }
-    QDir().mkpath(folder);
-    OverviewStore::tidy(order.mostCacheBytes, QString());
-    auto work = workIn(folder, order);
-    if (!work) {
-        constexpr qint64 megabyte = 1 << 20;
-        *error =
-            hasRoom(folder, order)
-                ? QCoreApplication::translate("OverviewBuilder", "nothing can be written to %1")
-                      .arg(folder)
-                : QCoreApplication::translate(
-                      "OverviewBuilder", "there is no room for overviews: %1 MB are needed in %2")
-                      .arg(neededBytes(order) / megabyte + 1)
-                      .arg(folder);
-    }
-    return work;
-}
+
+    const QString file;
+
+private:
+    QString last; // of which the next one is made
+    const OverviewPlace& folder;
+    int count = 0;
+};
 
 } // namespace
 
-OverviewOrder OverviewOrder::of(const QString& file, const RasterFacts& facts)
+OverviewOrder OverviewOrder::of(const OverviewOwner& owner, const RasterFacts& facts)
 {
     OverviewOrder order;
-    order.file = file;
+    order.owner = owner;
     order.size = facts.size;
     order.fullBytes = qint64{facts.size.width()} * facts.size.height() * facts.pixelBytes();
     order.nearest = !facts.palette.isEmpty();
@@ -235,7 +219,8 @@ OverviewOrder OverviewOrder::of(const QString& file, const RasterFacts& facts)
     const auto isShort = [](const BandFacts& band) {
         return band.type == GDT_Byte || band.type == GDT_UInt16 || band.type == GDT_Int16;
     };
-    order.jpeg = facts.bands.size() == 3 && facts.compression.contains(QLatin1String("JPEG")) &&
+    order.jpeg = !owner.isWarped && facts.bands.size() == 3 &&
+                 facts.compression.contains(QLatin1String("JPEG")) &&
                  std::all_of(facts.bands.begin(), facts.bands.end(), isByte);
     order.integers = std::all_of(facts.bands.begin(), facts.bands.end(), isShort);
     if (Application* const application = Application::instance()) {
@@ -253,35 +238,40 @@ std::shared_ptr<BuiltOverviews> buildOverviews(const OverviewOrder& order, Overv
                                                const std::atomic<bool>& abandoned, QString* error)
 {
     setUpGdal();
-    Progress progress{meter, abandoned};
+    const int levelCount = levelsOf(order.size);
+    Progress progress(&meter, &abandoned, levelCount);
     if (progress.isStopped()) {
         return nullptr; // cancelled while it waited for its turn
     }
-    QString target;
-    const std::unique_ptr<QTemporaryDir> work = findPlace(order, &target, error);
-    if (!work) {
+    const QString identity = OverviewStore::nameFor(order.owner);
+    const std::unique_ptr<OverviewPlace> place = OverviewPlace::find(order, error);
+    const QString view = place ? writeView(order, *place, error) : QString();
+    if (view.isEmpty()) {
         return nullptr;
     }
-    const QString view = work->filePath(QStringLiteral("view.vrt"));
-    const QString made = view + QStringLiteral(".ovr");
-    if (!writeOverviews(order, view, progress, error) || progress.isStopped()) {
+    ThreadOptions options;
+    setOptions(options, order);
+    Levels levels(*place, view);
+    OverviewFile held;
+    for (int level = 1; level <= levelCount; ++level) {
+        if (!levels.add(order, progress, error)) {
+            return nullptr;
+        }
+        if (OverviewStore::nameFor(order.owner) != identity) {
+            *error =
+                QCoreApplication::translate("OverviewBuilder", "the file has changed meanwhile");
+            return nullptr;
+        }
+        progress.levelDone();
+        held = held.isEmpty() ? OverviewFile::hold(levels.file) : held;
+        if (meter.levelCame && !held.isEmpty()) {
+            meter.levelCame(held);
+        }
+    }
+    if (progress.isStopped() || !place->put(levels.file, order, error)) {
         return nullptr;
     }
-    const bool inStore = target.startsWith(OverviewStore::folder());
-    if (inStore && !OverviewStore::note(target, order.file)) {
-        *error = QCoreApplication::translate("OverviewBuilder", "nothing can be written to %1")
-                     .arg(OverviewStore::folder());
-        return nullptr;
-    }
-    // somebody else may have made some meanwhile, which are as good
-    if (!flush(made) || (!QFile::rename(made, target) && !QFileInfo::exists(target))) {
-        *error = QCoreApplication::translate("OverviewBuilder", "%1 cannot be written").arg(target);
-        return nullptr;
-    }
-    if (inStore) {
-        OverviewStore::tidy(order.mostCacheBytes, target);
-    }
-    return std::make_shared<BuiltOverviews>(BuiltOverviews{target});
+    return std::make_shared<BuiltOverviews>(BuiltOverviews{place->target});
 }
 
 } // namespace Corvane::Map

@@ -18,11 +18,24 @@ namespace {
 const QLatin1String overviewSuffix(".ovr");
 const QLatin1String noteSuffix(".txt");
 
-// A line each; what the overviews of a file are found by.
+// A line each.
 QByteArray identityOf(const QFileInfo& file)
 {
     return file.canonicalFilePath().toUtf8() + '\n' + QByteArray::number(file.size()) + '\n' +
            QByteArray::number(file.lastModified().toMSecsSinceEpoch()) + '\n';
+}
+
+// What the overviews of an image are found by.
+QByteArray identityOf(const OverviewOwner& owner)
+{
+    QByteArray identity = identityOf(QFileInfo(owner.file));
+    if (!owner.part.isEmpty()) {
+        identity += "part " + owner.part.toUtf8() + '\n';
+    }
+    if (owner.isWarped) {
+        identity += "north-up\n";
+    }
+    return identity;
 }
 
 QString noteOf(const QString& overviews)
@@ -47,7 +60,7 @@ struct Entry
 bool hasChanged(const QByteArray& note)
 {
     const QFileInfo file(QString::fromUtf8(note.left(note.indexOf('\n'))));
-    return file.exists() && identityOf(file) != note;
+    return file.exists() && !note.startsWith(identityOf(file));
 }
 
 } // namespace
@@ -58,20 +71,19 @@ QString OverviewStore::folder()
     return cache + QStringLiteral("/corvane/overviews");
 }
 
-QString OverviewStore::nameFor(const QString& file)
+QString OverviewStore::nameFor(const OverviewOwner& owner)
 {
-    const QFileInfo info(file);
-    if (!info.isFile()) {
+    if (!QFileInfo(owner.file).isFile()) {
         return QString();
     }
     const QByteArray key =
-        QCryptographicHash::hash(identityOf(info), QCryptographicHash::Sha1).toHex();
+        QCryptographicHash::hash(identityOf(owner), QCryptographicHash::Sha1).toHex();
     return folder() + QLatin1Char('/') + QString::fromLatin1(key) + overviewSuffix;
 }
 
-QString OverviewStore::find(const QString& file)
+QString OverviewStore::find(const OverviewOwner& owner)
 {
-    const QString name = nameFor(file);
+    const QString name = nameFor(owner);
     if (name.isEmpty() || !QFileInfo::exists(name)) {
         return QString();
     }
@@ -82,11 +94,10 @@ QString OverviewStore::find(const QString& file)
     return name;
 }
 
-bool OverviewStore::note(const QString& overviews, const QString& file)
+bool OverviewStore::note(const QString& overviews, const OverviewOwner& owner)
 {
     QSaveFile note(noteOf(overviews));
-    return note.open(QIODevice::WriteOnly) && note.write(identityOf(QFileInfo(file))) > 0 &&
-           note.commit();
+    return note.open(QIODevice::WriteOnly) && note.write(identityOf(owner)) > 0 && note.commit();
 }
 
 void OverviewStore::tidy(qint64 mostBytes, const QString& keep)

@@ -20,6 +20,7 @@ constexpr int usualTileSize = 256;
 constexpr int leastTileSize = 128;
 constexpr int mostTileSize = 1024;
 constexpr int mostLevels = 31;
+constexpr int cheapReduction = 4; // by which the coarsest level may be reduced when it is read
 constexpr double negligibleShear = 1e-3; // in pixels, over the whole image
 
 /// Where the overviews of what is shown come from.
@@ -181,18 +182,23 @@ LevelFacts levelFacts(GDALDatasetH shown, const Overviews& overviews, int level,
         return static_cast<int>((qint64{pixels} + (qint64{1} << level) - 1) >> level);
     };
     LevelFacts result;
-    result.size = QSize(reduced(facts.size.width()), reduced(facts.size.height()));
     result.sourceSize = facts.size;
-    GDALRasterBandH band = GDALGetRasterBand(shown, 1);
+    if (level > 0) { // without an overview of its own it is read where the one before it is
+        result = facts.levels.back();
+        ++result.halvings;
+    }
+    result.size = QSize(reduced(facts.size.width()), reduced(facts.size.height()));
     for (int i = 0; level > 0 && i < facts.overviews.size(); ++i) {
         if (isCloseTo(facts.overviews[i], result.size)) {
             result.overview = i;
+            result.halvings = 0;
             result.sourceSize = facts.overviews[i];
             result.readsAllBands = isDatasetOfAllBands(overviews, shown, i);
-            band = overviews.band(1, i);
             break;
         }
     }
+    GDALRasterBandH band =
+        result.overview < 0 ? GDALGetRasterBand(shown, 1) : overviews.band(1, result.overview);
     QSize block;
     GDALGetBlockSize(band, &block.rwidth(), &block.rheight());
     const int tile = static_cast<int>(facts.tileSize);
@@ -245,6 +251,22 @@ int RasterFacts::pixelBytes() const
 bool RasterFacts::lacksOverviews() const
 {
     return levels[1].overview < 0 && std::min(size.width(), size.height()) >= 2 * int(tileSize) + 2;
+}
+
+bool RasterFacts::isCoarsestCheap() const
+{
+    std::size_t level = 0;
+    for (qint64 side = std::min(size.width(), size.height()) / 2; side > tileSize; side /= 2) {
+        ++level;
+    }
+    const LevelFacts& coarsest = levels[std::min(level, levels.size() - 1)];
+    return coarsest.sourceSize.width() <= coarsest.size.width() * cheapReduction;
+}
+
+bool RasterFacts::showsLike(const RasterFacts& other) const
+{
+    return size == other.size && bounds == other.bounds && tileSize == other.tileSize &&
+           bands.size() == other.bands.size() && alphaBand == other.alphaBand;
 }
 
 std::uint32_t RasterFacts::stripLevels() const

@@ -32,11 +32,19 @@ struct BandFacts
 /// Where the pixels of a pyramid level are read.
 struct LevelFacts
 {
-    QSize size;        ///< of the level, in its own pixels
-    int overview = -1; ///< index of the overview, -1 for the full image reduced while reading
-    QSize sourceSize;  ///< of what is read
+    QSize size;                ///< of the level, in its own pixels
+    int overview = -1;         ///< index of the overview, -1 for the full image
+    int halvings = 0;          ///< so often what is read is reduced to half while reading
+    QSize sourceSize;          ///< of what is read
     bool readsAllBands = true; ///< the bands come in one read, else one by one
     bool inStrips = false;     ///< blocks run over several tiles: neighbours are read together
+
+    /// Whether both are read from the same pixels.
+    bool readsLike(const LevelFacts& other) const
+    {
+        return overview == other.overview && halvings == other.halvings &&
+               sourceSize == other.sourceSize;
+    }
 };
 
 /// What is known of a source once it is open; does not change. Sizes and bounds are those of the
@@ -70,6 +78,12 @@ struct RasterFacts
     int pixelBytes() const;
     /// Whether a level is read by reducing the full image.
     bool lacksOverviews() const;
+    /// Whether the coarsest level of the pyramid can be read beneath every view: without an overview
+    /// near its size it takes reading most of the image.
+    bool isCoarsestCheap() const;
+    /// Whether both have the same pixels in the same place and the same tiles, whatever their
+    /// overviews.
+    bool showsLike(const RasterFacts& other) const;
     /// Bits of the levels that are read in strips.
     std::uint32_t stripLevels() const;
 };

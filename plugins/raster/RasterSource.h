@@ -2,6 +2,7 @@
 
 #include <plugins/common/SourceHealth.h>
 #include <plugins/raster/GdalHandlePool.h>
+#include <plugins/raster/OverviewStore.h>
 #include <plugins/raster/RasterFacts.h>
 
 #include <QString>
@@ -28,6 +29,10 @@ class RasterSource
 public:
     /// Opens a data source; null with the reason in error. May take long.
     static std::shared_ptr<RasterSource> open(const QString& dataSource, QString* error);
+    /// The same source once more, with the overviews that it has by now or, where it has none, those
+    /// of the file. What it shows is spread over the grey levels as before.
+    static std::shared_ptr<RasterSource> openAgain(const RasterSource& before,
+                                                   const OverviewFile& overviews, QString* error);
 
     const RasterFacts& facts() const { return theFacts; }
     GdalHandlePool::Lease acquire(QString* error) { return handles.acquire(error); }
@@ -41,8 +46,8 @@ public:
     /// Whether reads go over the network.
     bool isRemote() const { return remote; }
 
-    /// Whether it is an image within a container of several.
-    bool isPartOfFile() const { return partOfFile; }
+    /// What overviews for it would belong to; a null one where they cannot.
+    const OverviewOwner& overviewOwner() const { return owner; }
 
     /// A tile could not be read. The first reason is logged, the last kept.
     void reportFailure(const QString& reason);
@@ -52,12 +57,14 @@ public:
     SourceHealth health;
 
 private:
-    RasterSource(QString dataSource, const QString& name, bool remote, const QString& overviews,
-                 std::unique_ptr<RasterHandle> first);
+    RasterSource(QString dataSource, const QString& name, bool remote, OverviewOwner owner,
+                 const OverviewFile& overviews, std::unique_ptr<RasterHandle> first);
+    static std::shared_ptr<RasterSource> openWith(const QString& dataSource,
+                                                  const OverviewFile* overviews, QString* error);
 
     QString dataSource;
     bool remote;
-    bool partOfFile;
+    OverviewOwner owner;
     RasterFacts theFacts;
     GdalHandlePool handles;
     std::unique_ptr<BlockCacheShare> cacheShare;
@@ -67,7 +74,7 @@ private:
         std::mutex mutex; // guards range; whoever wants it waits for who works it out
         std::optional<StretchRange> range;
     };
-    std::vector<std::unique_ptr<BandStretch>> stretches; // by band
+    std::vector<std::shared_ptr<BandStretch>> stretches; // by band
 
     mutable std::mutex failureMutex; // guards failure
     QString failure;

@@ -30,6 +30,19 @@ std::size_t area(const QSize& size)
     return static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height());
 }
 
+// Pixels of a picture in those of an image that is so often twice as large; what is made of an image
+// may be a pixel short of it, or over: the last pixel is read twice then.
+QRect enlarged(const QRect& pixels, unsigned int halvings, const QSize& size)
+{
+    const auto scaled = [halvings](int pixel, int limit) {
+        return static_cast<int>(std::min<qint64>(qint64{pixel} << halvings, limit));
+    };
+    const int left = scaled(pixels.left(), size.width() - 1);
+    const int top = scaled(pixels.top(), size.height() - 1);
+    return QRect(left, top, scaled(pixels.left() + pixels.width(), size.width()) - left,
+                 scaled(pixels.top() + pixels.height(), size.height()) - top);
+}
+
 // Spreads a range of values over the grey levels. A range without a width parts black from white.
 template <typename Value>
 class GreyScale
@@ -58,13 +71,12 @@ private:
 struct TileReader::Window
 {
     const LevelFacts* facts;
-    unsigned int level;
     QSize size;   // of the picture
     QRect source; // in the pixels of what is read
     QRect full;   // the same in full resolution, where masks may have to be read
 
     // How many pixels of what is read make one of the picture, both ways.
-    int reduction() const { return facts->overview < 0 ? 1 << level : 1; }
+    int reduction() const { return 1 << facts->halvings; }
 };
 
 // Distances in the buffer, in bytes; all bands in one block.
@@ -141,26 +153,10 @@ QImage TileReader::read(const RasterHandle& handle, unsigned int level, const QR
 TileReader::Window TileReader::windowFor(unsigned int level, const QRect& pixels) const
 {
     const RasterFacts& facts = theSource->facts();
-    const auto scaled = [level](int pixel, int limit) {
-        return static_cast<int>(std::min<qint64>(qint64{pixel} << level, limit));
-    };
-    Window window{&facts.levels[level], level, pixels.size(), pixels, QRect()};
-    const int left = scaled(pixels.left(), facts.size.width() - 1);
-    const int top = scaled(pixels.top(), facts.size.height() - 1);
-    window.full =
-        QRect(left, top, scaled(pixels.left() + pixels.width(), facts.size.width()) - left,
-              scaled(pixels.top() + pixels.height(), facts.size.height()) - top);
-    if (window.facts->overview < 0) {
-        window.source = window.full;
-        return window;
-    }
-    // an overview may be a pixel short of its level: the last pixel is read twice then
-    const QSize size = window.facts->sourceSize;
-    const int x = std::min(pixels.left(), size.width() - 1);
-    const int y = std::min(pixels.top(), size.height() - 1);
-    window.source = QRect(x, y, std::min(pixels.width(), size.width() - x),
-                          std::min(pixels.height(), size.height() - y));
-    return window;
+    const LevelFacts& levelFacts = facts.levels[level];
+    const auto halvings = static_cast<unsigned int>(levelFacts.halvings);
+    return {&levelFacts, pixels.size(), enlarged(pixels, halvings, levelFacts.sourceSize),
+            enlarged(pixels, level, facts.size)};
 }
 
 // Called by GDAL between the blocks of a read.

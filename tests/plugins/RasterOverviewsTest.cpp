@@ -46,6 +46,13 @@ RasterRecipe plain(const QSize& size = QSize(1500, 1200))
     return recipe;
 }
 
+OverviewOwner imageAt(const QString& file)
+{
+    OverviewOwner owner;
+    owner.file = file;
+    return owner;
+}
+
 QByteArray digestOf(const QString& file)
 {
     QFile bytes(file);
@@ -167,7 +174,7 @@ void RasterOverviewsTest::whatWantsOverviews_data()
     QTest::newRow("a large file") << QSize(1500, 1200) << false << false << true;
     QTest::newRow("one that has some") << QSize(1500, 1200) << true << false << false;
     QTest::newRow("a small one") << QSize(900, 900) << false << false << false;
-    QTest::newRow("one that is turned to be shown") << QSize(1500, 1200) << false << true << false;
+    QTest::newRow("one that is turned to be shown") << QSize(1500, 1200) << false << true << true;
     QTest::newRow("a long strip, which is a row of tiles")
         << QSize(5000, 300) << false << false << false;
 }
@@ -258,7 +265,7 @@ void RasterOverviewsTest::whereNothingCanBeWrittenTheyLieInTheCache()
     QVERIFY(QFile::setPermissions(cache->path(), all));
     QVERIFY(QFile::setPermissions(folder->path(), readable));
     OverviewOrder order;
-    order.file = file;
+    order.owner.file = file;
     order.size = QSize(1500, 1200);
     order.mostCacheBytes = 1 << 30;
     OverviewMeter meter;
@@ -268,7 +275,7 @@ void RasterOverviewsTest::whereNothingCanBeWrittenTheyLieInTheCache()
         const PlainUser user;
         const auto built = buildOverviews(order, meter, abandoned, &error);
         QVERIFY2(built, qPrintable(error));
-        QCOMPARE(built->file, OverviewStore::nameFor(file));
+        QCOMPARE(built->file, OverviewStore::nameFor(imageAt(file)));
     }
     QCOMPARE(entriesOf(folder->path()), QStringList({"a.tif"}));
     QCOMPARE(entriesOf(OverviewStore::folder()).size(), 2); // with a note of what they are of
@@ -284,7 +291,8 @@ void RasterOverviewsTest::theSettingPutsThemIntoTheCache()
     QCOMPARE(layer->getOverviewProgress().folder, OverviewStore::folder());
     QCOMPARE(layer->getOverviews(), QString("750 x 600, 375 x 300, 188 x 150"));
     QCOMPARE(entriesOf(folder->path()), QStringList({"a.tif"}));
-    QCOMPARE(OverviewStore::find(path("a.tif")), OverviewStore::nameFor(path("a.tif")));
+    QCOMPARE(OverviewStore::find(imageAt(path("a.tif"))),
+             OverviewStore::nameFor(imageAt(path("a.tif"))));
 }
 
 void RasterOverviewsTest::thoseOfTheCacheAreFoundAgain()
@@ -325,11 +333,11 @@ void RasterOverviewsTest::thoseThatDoNotFitAreLeftAlone()
     QVERIFY(makeRaster(path("a.tif"), plain()));
     QVERIFY(makeRaster(path("other.tif"), plain(QSize(800, 600))));
     QVERIFY(QDir().mkpath(OverviewStore::folder()));
-    QVERIFY(QFile::copy(path("other.tif"), OverviewStore::nameFor(path("a.tif"))));
+    QVERIFY(QFile::copy(path("other.tif"), OverviewStore::nameFor(imageAt(path("a.tif")))));
     const auto layer = openLayer(path("a.tif"));
     QVERIFY(layer->isValid());
     QCOMPARE(layer->getOverviews(), QString());
-    QFile torn(OverviewStore::nameFor(path("a.tif")));
+    QFile torn(OverviewStore::nameFor(imageAt(path("a.tif"))));
     QVERIFY(torn.resize(100));
     QVERIFY(openLayer(path("a.tif"))->isValid());
 }
@@ -437,7 +445,7 @@ void RasterOverviewsTest::oneThatIsStoppedLeavesNothing()
     recipe.options << "SPARSE_OK=TRUE";
     QVERIFY(makeRaster(path("a.tif"), recipe));
     OverviewOrder order;
-    order.file = path("a.tif");
+    order.owner.file = path("a.tif");
     order.size = recipe.size;
     OverviewMeter meter;
     std::atomic<bool> abandoned{false};
@@ -549,10 +557,10 @@ void RasterOverviewsTest::thoseOfChangedFilesGoFirst()
 {
     QVERIFY(makeRaster(path("a.tif"), plain()));
     QVERIFY(QDir().mkpath(OverviewStore::folder()));
-    const QString name = OverviewStore::nameFor(path("a.tif"));
+    const QString name = OverviewStore::nameFor(imageAt(path("a.tif")));
     QFile overviews(name);
     QVERIFY(overviews.open(QIODevice::WriteOnly) && overviews.resize(10));
-    QVERIFY(OverviewStore::note(name, path("a.tif")));
+    QVERIFY(OverviewStore::note(name, imageAt(path("a.tif"))));
     keep("absent", 10, 100);
     QFile nameless(OverviewStore::folder() + "/nameless.ovr");
     QVERIFY(nameless.open(QIODevice::WriteOnly) && nameless.resize(10));
@@ -566,7 +574,7 @@ void RasterOverviewsTest::thoseOfChangedFilesGoFirst()
     OverviewStore::tidy(1000, QString());
     QVERIFY(!QFileInfo::exists(name));
     QVERIFY(QFileInfo::exists(OverviewStore::folder() + "/absent.ovr"));
-    QVERIFY(OverviewStore::nameFor(path("none.tif")).isEmpty());
+    QVERIFY(OverviewStore::nameFor(imageAt(path("none.tif"))).isEmpty());
 }
 
 int main(int argc, char** argv)
