@@ -879,6 +879,10 @@
         <source>%1 cannot be written</source>
         <translation>%1 lässt sich nicht schreiben</translation>
     </message>
+    <message>
+        <source>the file has changed meanwhile</source>
+        <translation>die Datei hat sich inzwischen geändert</translation>
+    </message>
 </context>
 <context>
     <name>SourceHealth</name>
