@@ -42,8 +42,11 @@ bool addFeature(OGRLayerH layer, const FeatureRecipe& recipe)
     }
     if (!recipe.line.empty()) {
         OGRGeometryH geometry = OGR_G_CreateGeometry(wkbLineString);
-        for (const auto& [x, y] : recipe.line) {
-            OGR_G_AddPoint_2D(geometry, x, y);
+        const auto count = static_cast<int>(recipe.line.size());
+        OGR_G_SetPointCount(geometry, count); // room that grows point by point takes long
+        for (int i = 0; i < count; ++i) {
+            const auto& [x, y] = recipe.line[static_cast<std::size_t>(i)];
+            OGR_G_SetPoint_2D(geometry, i, x, y);
         }
         OGR_F_SetGeometryDirectly(feature, geometry);
     }
