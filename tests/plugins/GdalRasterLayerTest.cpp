@@ -665,6 +665,7 @@ void GdalRasterLayerTest::aNameForGdalInADocumentStaysAsItIs()
     QCOMPARE(errors, QString());
 
     // reading is over: other sources are taken as they come
+    layer.setProgressive(false); // in this call
     QVERIFY(!layer.setDataSource("/missing.tif"));
     QCOMPARE(layer.getDataSource(), QString("/missing.tif"));
 }
@@ -700,6 +701,7 @@ void GdalRasterLayerTest::aDocumentIsToldWhatCouldNotBeOpened()
     QString errors;
     LogLines log;
     GdalRasterLayer layer;
+    layer.setProgressive(false);                    // however long the disk takes
     QVERIFY(layer.readXML(element, base, &errors)); // it stays in its map
     QVERIFY(!layer.isValid());
     QCOMPARE(layer.getDataSource(), kept);
@@ -707,6 +709,7 @@ void GdalRasterLayerTest::aDocumentIsToldWhatCouldNotBeOpened()
     QCOMPARE(errors, line);
     QCOMPARE(log.holding(line).size(), 1);
     GdalRasterLayer next;
+    next.setProgressive(false);
     next.readXML(element, base, &errors);
     QCOMPARE(errors, line + '\n' + line);
     QVERIFY(GdalRasterLayer().readXML(element, base, nullptr));
@@ -716,6 +719,7 @@ void GdalRasterLayerTest::aMissingFileFailsAtOnceWithOneLine()
 {
     LogLines log;
     GdalRasterLayer layer;
+    layer.setProgressive(false); // however long the disk takes
     const QString path = folder.filePath("missing.tif");
     QVERIFY(!layer.setDataSource(path));
     QVERIFY(!layer.isValid());
@@ -754,6 +758,7 @@ void GdalRasterLayerTest::anotherSourceReplacesTheFirst()
     QCOMPARE(layer.getSize(), QSize(500, 400));
     const QImage picture = complete(layer, {300, 200, 0, 0, 1.0});
     QCOMPARE(picture.pixel(100, 100), qRgb(77, 77, 77));
+    layer.setProgressive(false); // in this call
     QVERIFY(!layer.setDataSource(folder.filePath("missing.tif")));
     QVERIFY(!layer.isValid());
     QCOMPARE(layer.getBounds(), QRectF());

@@ -478,6 +478,7 @@ void RasterCellsTest::aClosedLayerTellsWhy()
 {
     const LogLines log;
     GdalRasterLayer layer;
+    layer.setProgressive(false); // in this call
     QVERIFY(!layer.setDataSource(folder.filePath("missing.tif")));
     const CellReading reading = cellsOf(layer, {QPointF(0.0, 0.0), 1, 0});
     QCOMPARE(reading.state, State::Failed);
