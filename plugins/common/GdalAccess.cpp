@@ -30,7 +30,7 @@ void setOption(const char* name, const char* value)
 // that of an archive: "/vsizip//vsicurl/http://server/archive.zip/image.tif". -1 without one.
 int remoteSystem(const QString& name)
 {
-    static const QRegularExpression system(
+    static const auto& system = *new QRegularExpression( // see PoolActivity
         QStringLiteral("/vsi(?:curl|s3|gs|az|adls|oss|swift|webhdfs)"),
         QRegularExpression::CaseInsensitiveOption);
     return name.startsWith(QLatin1String("/vsi"), Qt::CaseInsensitive) ? name.indexOf(system) : -1;
@@ -80,10 +80,10 @@ QString GdalErrors::text() const
 
 bool isRemote(const QString& dataSource)
 {
-    static const QStringList prefixes = {QStringLiteral("http://"), QStringLiteral("https://"),
-                                         QStringLiteral("s3://")};
+    const auto prefixes = {QLatin1String("http://"), QLatin1String("https://"),
+                           QLatin1String("s3://")};
     return remoteSystem(dataSource) >= 0 ||
-           std::any_of(prefixes.begin(), prefixes.end(), [&dataSource](const QString& prefix) {
+           std::any_of(prefixes.begin(), prefixes.end(), [&dataSource](QLatin1String prefix) {
                return dataSource.startsWith(prefix, Qt::CaseInsensitive);
            });
 }
@@ -91,7 +91,8 @@ bool isRemote(const QString& dataSource)
 bool isPlainFile(const QString& dataSource)
 {
     // "NETCDF:file.nc:variable", "<VRTDataset>...", "/vsizip/archive.zip/image.tif" are for GDAL
-    static const QRegularExpression forGdal(QStringLiteral("^(/vsi|<|[A-Za-z0-9_]{2,}:)"));
+    static const auto& forGdal = // see PoolActivity
+        *new QRegularExpression(QStringLiteral("^(/vsi|<|[A-Za-z0-9_]{2,}:)"));
     return !forGdal.match(dataSource).hasMatch();
 }
 
@@ -107,7 +108,7 @@ QString protocolOf(const QString& dataSource)
 
 bool mayPass(const QString& error)
 {
-    static const QRegularExpression httpStatus(
+    static const auto& httpStatus = *new QRegularExpression( // see PoolActivity
         QStringLiteral("HTTP (?:response|error) code\\s*: (\\d+)"));
     const auto status = httpStatus.match(error);
     return status.hasMatch() ? isPassing(status.captured(1).toInt())
@@ -117,7 +118,8 @@ bool mayPass(const QString& error)
 void forgetRemote(const QString& name)
 {
     // of an archive all that is known of its server: nothing tells where the archive's own name ends
-    static const QRegularExpression server(QStringLiteral("^/[^/]+/(?:https?://)?[^/]+"));
+    static const auto& server = // see PoolActivity
+        *new QRegularExpression(QStringLiteral("^/[^/]+/(?:https?://)?[^/]+"));
     const int begin = remoteSystem(name);
     const QString known = begin > 0 ? server.match(name.mid(begin)).captured() : name;
     VSICurlPartialClearCache(known.toUtf8().constData());
@@ -146,8 +148,7 @@ QString nameForGdal(const QDomNode& element, const QDir& baseDir)
     if (!isPlainFile(name)) {
         return name;
     }
-    const bool isMissing =
-        QDir::isRelativePath(name) && !name.isEmpty() && !baseDir.exists(name);
+    const bool isMissing = QDir::isRelativePath(name) && !name.isEmpty() && !baseDir.exists(name);
     return isMissing ? QDir::cleanPath(baseDir.absoluteFilePath(name)) : QString();
 }
 

@@ -30,8 +30,8 @@ QImage draw(int edge)
 
 QImage markedTile(int edge)
 {
-    static std::mutex mutex; // guards images
-    static std::map<int, QImage> images;
+    static std::mutex mutex;                          // guards images
+    static auto& images = *new std::map<int, QImage>; // see PoolActivity
     {
         const std::lock_guard<std::mutex> guard(mutex);
         const auto entry = images.find(edge);

@@ -3,7 +3,8 @@
 namespace Corvane::Map {
 
 /// Keeps work on the pool inside the life of the plugin and of the libraries that it calls: the
-/// plugin's last act is to wait for what is under way. Any thread.
+/// plugin's last act is to wait for what is under way. By then the statics of functions are gone, so
+/// what pool threads use of them is never destroyed. Any thread.
 class PoolActivity
 {
 public:

@@ -12,8 +12,9 @@ namespace Corvane::Map {
 QString hostOf(const QString& dataSource)
 {
     // "/vsicurl/http://host/...", "/vsicurl?max_retry=3&url=http%3A%2F%2Fhost", "/vsizip/vsicurl/..."
-    static const QRegularExpression address(QStringLiteral("[A-Za-z][A-Za-z0-9+.-]*://[^/?#&|]+"));
-    static const QRegularExpression store(
+    static const auto& address = // see PoolActivity
+        *new QRegularExpression(QStringLiteral("[A-Za-z][A-Za-z0-9+.-]*://[^/?#&|]+"));
+    static const auto& store = *new QRegularExpression( // see PoolActivity
         QStringLiteral("/vsi(?:s3|gs|az|oss|swift|webhdfs)(?:_streaming)?/([^/]+)"));
     const QString text = dataSource.contains(QLatin1String("%3A%2F%2F"), Qt::CaseInsensitive)
                              ? QUrl::fromPercentEncoding(dataSource.toUtf8())

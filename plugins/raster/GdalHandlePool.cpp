@@ -93,7 +93,7 @@ DatasetPointer warpToNorthUp(GDALDatasetH original, const QString& file)
 
 void addOverviews(RasterHandle& handle, const OverviewFile& overviews)
 {
-    if (overviews.isEmpty() || handle.overviewCount() > 0) {
+    if (overviews.isEmpty()) {
         return;
     }
     const GdalErrors errors;            // without them it goes as well

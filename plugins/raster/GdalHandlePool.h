@@ -31,7 +31,7 @@ std::unique_ptr<RasterHandle> openHandle(const QString& name, bool remote, QStri
 /// A view of an image that lies north-up, made of the image's own pixels where that can be; kept in a
 /// file where one is named. Null on failure. Any thread.
 DatasetPointer warpToNorthUp(GDALDatasetH original, const QString& file = QString());
-/// Has the handle read overviews from there, where they fit and are needed. Any thread.
+/// Has the handle read overviews from there, where they fit, rather than its own. Any thread.
 void addOverviews(RasterHandle& handle, const OverviewFile& overviews);
 
 /// The open handles of one source that nobody uses at the moment. Any thread.

@@ -21,7 +21,7 @@ constexpr GIntBig mostLargeCache = 512 * mebibyte;
 std::mutex cacheMutex; // guards wantedBytes and the calls that follow from it
 std::multiset<qint64>& wantedBytes()
 {
-    static std::multiset<qint64> all;
+    static auto& all = *new std::multiset<qint64>; // see PoolActivity
     return all;
 }
 

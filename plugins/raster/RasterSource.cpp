@@ -42,7 +42,8 @@ QString fileOf(const QString& name, GDALDatasetH dataset)
     if (isPlainFile(name)) {
         return QFileInfo(name).isFile() ? name : QString();
     }
-    static const QRegularExpression withinAFile(QStringLiteral("^[A-Za-z0-9_]{2,}:"));
+    static const auto& withinAFile = // see PoolActivity
+        *new QRegularExpression(QStringLiteral("^[A-Za-z0-9_]{2,}:"));
     if (!withinAFile.match(name).hasMatch()) {
         return QString();
     }
@@ -97,7 +98,9 @@ std::shared_ptr<RasterSource> RasterSource::openWith(const QString& dataSource,
     }
     const OverviewOwner owner = overNetwork ? OverviewOwner() : ownerOf(name, *first);
     const OverviewFile overviews = given ? *given : OverviewFile{OverviewStore::find(owner), {}};
-    addOverviews(*first, overviews);
+    if (first->overviewCount() == 0) { // of its own; such as come later are not looked at
+        addOverviews(*first, overviews);
+    }
     const OverviewFile used = first->overviews ? overviews : OverviewFile();
     const std::shared_ptr<RasterSource> source(
         new RasterSource(dataSource, name, overNetwork, owner, used, std::move(first)));

@@ -151,7 +151,7 @@ void ManPagesTest::addPrograms()
     const QString pages = PAGE_FOLDER;
     const QString source = SOURCE_FOLDER;
     QTest::newRow("the viewer") << programs + "/corvane-viewer" << pages + "/corvane-viewer.1"
-                                << source + "/viewer/CommandLine.h";
+                                << source + "/viewer/batch/CommandLine.h";
     QTest::newRow("the image server")
         << programs + "/corvane-imageserver" << pages + "/corvane-imageserver.1"
         << source + "/server/ServerOptions.h";

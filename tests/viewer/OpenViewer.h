@@ -59,7 +59,9 @@ public:
         for (const QString& name : names) {
             const int before = map->getView()->getNumberOfLayers();
             map->open(path(name));
-            if (!QTest::qWaitFor([=] { return map->getView()->getNumberOfLayers() > before; })) {
+            if (!QTest::qWaitFor([=] { return map->getView()->getNumberOfLayers() > before; },
+                                 patienceMilliseconds))
+            {
                 qFatal("%s does not open", qPrintable(name));
             }
         }
@@ -67,16 +69,24 @@ public:
         return map;
     }
 
+    /// A layer that has just opened asks for nothing until it is painted.
     static void complete(Corvane::Viewer::MapWindow* map)
     {
-        const bool came = QTest::qWaitFor([map] {
+        const auto isComplete = [map] {
             for (Corvane::Map::Layer* layer : map->getView()->getLayers()) {
                 if (!layer->isValid() || layer->getPercentComplete() < 100) {
                     return false;
                 }
             }
             return !map->isOpening();
-        });
+        };
+        const auto isPaintedComplete = [map, &isComplete] {
+            if (isComplete()) {
+                map->getView()->repaint();
+            }
+            return isComplete();
+        };
+        const bool came = QTest::qWaitFor(isPaintedComplete, patienceMilliseconds);
         if (!came) {
             qFatal("the map is not complete");
         }
@@ -96,5 +106,7 @@ public:
     std::unique_ptr<Corvane::Viewer::ViewerWindow> window;
 
 private:
+    static constexpr int patienceMilliseconds = 30000;
+
     QTemporaryDir folder;
 };
