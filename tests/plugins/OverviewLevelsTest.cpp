@@ -6,7 +6,9 @@
 
 #include <plugins/common/TileShelf.h>
 #include <plugins/raster/GdalRasterLayer.h>
+#include <plugins/raster/OverviewFile.h>
 #include <plugins/raster/OverviewStore.h>
+#include <plugins/raster/RasterSource.h>
 
 #include <QDateTime>
 #include <QDeadlineTimer>
@@ -128,6 +130,7 @@ private slots:
     void cancellingBetweenLevelsLeavesThePicture();
     void theSourceMayGoMeanwhile();
     void theSourceMayChangeMeanwhile();
+    void overviewsThatComeBesideTheFileChangeNothingInUse();
     void theLayerMayGoMeanwhile();
     void aHiddenLayerReadsNothing();
 
@@ -349,6 +352,30 @@ void OverviewLevelsTest::theSourceMayChangeMeanwhile()
     QTRY_COMPARE_WITH_TIMEOUT(stateOf(*layer), State::Failed, generous);
     QTRY_COMPARE_WITH_TIMEOUT(entriesOf(folder->path()), QStringList({"a.tif"}), generous);
     QVERIFY(layer->wantsOverviews());
+}
+
+/// As at the end of a building, before the layer has them.
+void OverviewLevelsTest::overviewsThatComeBesideTheFileChangeNothingInUse()
+{
+    QVERIFY(QFile::copy(path("a.tif"), path("b.tif")));
+    {
+        const Dataset dataset(GDALOpen(qPrintable(path("b.tif")), GA_ReadOnly));
+        int half = 2;
+        QVERIFY(GDALBuildOverviews(dataset.get(), "AVERAGE", 1, &half, 0, nullptr, nullptr,
+                                   nullptr) == CE_None);
+    }
+    QString error;
+    const auto plain = RasterSource::open(path("a.tif"), &error);
+    QVERIFY2(plain, qPrintable(error));
+    const auto source =
+        RasterSource::openAgain(*plain, OverviewFile::hold(path("b.tif.ovr")), &error);
+    QVERIFY2(source, qPrintable(error));
+    QVERIFY(QFile::copy(path("b.tif.ovr"), path("a.tif.ovr")));
+    const auto first = source->acquire(&error); // was open before
+    const auto second = source->acquire(&error);
+    QVERIFY2(first && second, qPrintable(error));
+    QCOMPARE(first->overviewCount(), 1);
+    QCOMPARE(second->overviewCount(), 1);
 }
 
 void OverviewLevelsTest::theLayerMayGoMeanwhile()
