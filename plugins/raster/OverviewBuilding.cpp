@@ -15,10 +15,10 @@ struct OverviewBuilding::News
     std::shared_ptr<RasterSource> latest; // null once the layer has it
 
     // On the background thread. Without a source that reads it the level waits for the next one.
-    void takeLevel(const RasterSource& plain, const OverviewFile& file)
+    void takeLevel(const RasterSource& source, const OverviewFile& file)
     {
         QString error;
-        std::shared_ptr<RasterSource> opened = RasterSource::openAgain(plain, file, &error);
+        std::shared_ptr<RasterSource> opened = RasterSource::openAgain(source, file, &error);
         const std::shared_ptr<Job> running = job.lock();
         if (!opened || !running) {
             return;
