@@ -89,15 +89,15 @@ QString TileTemplate::urlOf(const WebTile& tile) const
 {
     QString url;
     for (const Piece& piece : pieces) {
-        url += piece.isPlace ? valueOf(piece.text, tile) : piece.text;
+        url += piece.isPlace ? valueOf(piece.text, tile, url) : piece.text;
     }
     return url;
 }
 
-QString TileTemplate::valueOf(const QString& place, const WebTile& tile) const
+QString TileTemplate::valueOf(const QString& place, const WebTile& tile, const QString& url) const
 {
     if (place == QLatin1String("z")) {
-        return zoomNames.value(tile.zoom, QString::number(tile.zoom));
+        return escapedName(zoomNames.value(tile.zoom, QString::number(tile.zoom)), url);
     }
     if (place == QLatin1String("x")) {
         return QString::number(tile.x);
@@ -113,6 +113,13 @@ QString TileTemplate::valueOf(const QString& place, const WebTile& tile) const
     }
     const auto count = static_cast<unsigned int>(hosts.size());
     return hosts.value(static_cast<int>((tile.x + tile.y) % std::max(count, 1U)));
+}
+
+QString escapedName(const QString& name, const QString& urlBefore)
+{
+    // '+' is escaped in paths as well: there are servers that read it as a blank everywhere
+    const char* const plain = urlBefore.contains(QLatin1Char('?')) ? "/:," : ":,";
+    return QString::fromLatin1(QUrl::toPercentEncoding(name, plain));
 }
 
 QString quadKey(const WebTile& tile)

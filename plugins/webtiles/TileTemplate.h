@@ -30,7 +30,8 @@ public:
 
     /// A tile always gets the same host: the caches between here and there know it by its URL.
     QString urlOf(const WebTile& tile) const;
-    /// Replaces the numbers that {z} stands for; the first name is that of zoom 0.
+    /// Replaces the numbers that {z} stands for; the first name is that of zoom 0. Names are as the
+    /// server has them, not escaped.
     void setZoomNames(const QStringList& names) { zoomNames = names; }
 
 private:
@@ -40,7 +41,7 @@ private:
         bool isPlace = false;
     };
 
-    QString valueOf(const QString& place, const WebTile& tile) const;
+    QString valueOf(const QString& place, const WebTile& tile, const QString& url) const;
     bool has(const char* place) const;
     QString lack(const QStringList& hosts) const;
 
@@ -48,6 +49,10 @@ private:
     QStringList hosts;
     QStringList zoomNames;
 };
+
+/// A name as it stands in a URL behind this beginning of it: escaped for a part of the path, or for
+/// a value of the query.
+QString escapedName(const QString& name, const QString& urlBefore);
 
 /// The quadkey of a tile: one digit per zoom level, the coarsest first; empty at zoom 0.
 QString quadKey(const WebTile& tile);

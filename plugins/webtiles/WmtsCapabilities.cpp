@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QDomDocument>
+#include <QHash>
 #include <QUrl>
 #include <QUrlQuery>
 #include <QXmlStreamReader>
@@ -144,17 +145,8 @@ int meritOf(const QString& format)
     return entry == end ? 0 : static_cast<int>(end - entry);
 }
 
-// False where it gets too long: values may hold places again, and so grow beyond all memory.
-bool fill(QString* url, const QString& place, const QString& value)
-{
-    if (value.size() > longestUrl) {
-        return false;
-    }
-    url->replace(QStringLiteral("{%1}").arg(place), value, Qt::CaseInsensitive);
-    return url->size() <= longestUrl;
-}
-
-QString resourceUrl(const QDomElement& layer, const Grid& grid)
+// The template that is liked best.
+QString tileTemplateOf(const QDomElement& layer)
 {
     QString best;
     int merit = 0;
@@ -166,18 +158,59 @@ QString resourceUrl(const QDomElement& layer, const Grid& grid)
             merit = its;
         }
     }
-    bool fits = fill(&best, QStringLiteral("TileMatrixSet"), grid.name) &&
-                fill(&best, QStringLiteral("Style"), styleOf(layer));
+    return best;
+}
+
+// What stands for the places of a template, by their names in lower case.
+QHash<QString, QString> namesFor(const QDomElement& layer, const Grid& grid)
+{
+    QHash<QString, QString> names;
     for (const QDomElement& dimension : children(layer, "Dimension")) {
-        fits = fits && fill(&best, textOf(dimension, "Identifier"), textOf(dimension, "Default"));
+        const QString place = textOf(dimension, "Identifier").toLower();
+        if (!names.contains(place)) {
+            names.insert(place, textOf(dimension, "Default"));
+        }
     }
-    if (!fits) {
+    names.insert(QStringLiteral("tilematrixset"), grid.name);
+    names.insert(QStringLiteral("style"), styleOf(layer));
+    return names;
+}
+
+// What comes into the URL behind this beginning of it; a place that nothing stands for stays.
+QString filled(const QString& place, const QHash<QString, QString>& names, const QString& urlBefore)
+{
+    static const QHash<QString, QString> tilePlaces = {
+        {"tilematrix", "{z}"}, {"tilecol", "{x}"}, {"tilerow", "{y}"}};
+    const QString key = place.toLower();
+    if (tilePlaces.contains(key)) {
+        return tilePlaces.value(key);
+    }
+    return names.contains(key) ? escapedName(names.value(key), urlBefore)
+                               : QStringLiteral("{%1}").arg(place);
+}
+
+// Empty where there is none, or it gets too long.
+QString resourceUrl(const QDomElement& layer, const Grid& grid)
+{
+    const QString text = tileTemplateOf(layer);
+    if (text.size() > longestUrl) {
         return QString();
     }
-    best.replace(QLatin1String("{TileMatrix}"), QLatin1String("{z}"), Qt::CaseInsensitive);
-    best.replace(QLatin1String("{TileCol}"), QLatin1String("{x}"), Qt::CaseInsensitive);
-    best.replace(QLatin1String("{TileRow}"), QLatin1String("{y}"), Qt::CaseInsensitive);
-    return best;
+    const QHash<QString, QString> names = namesFor(layer, grid);
+    QString url;
+    int end = 0;
+    while (url.size() <= longestUrl) {
+        const int open = text.indexOf(QLatin1Char('{'), end);
+        const int close = text.indexOf(QLatin1Char('}'), open);
+        if (open < 0 || close < 0) {
+            break;
+        }
+        url += text.mid(end, open - end);
+        url += filled(text.mid(open + 1, close - open - 1), names, url);
+        end = close + 1;
+    }
+    url += text.mid(end);
+    return url.size() <= longestUrl ? url : QString();
 }
 
 // Where GetTile takes its arguments from the URL.
@@ -214,7 +247,7 @@ QString keyValueUrl(const QDomElement& root, const QDomElement& layer, const Gri
     QUrlQuery query(url);
     const auto add = [&query](const char* key, const QString& value) {
         query.removeAllQueryItems(QLatin1String(key));
-        query.addQueryItem(QLatin1String(key), value);
+        query.addQueryItem(QLatin1String(key), escapedName(value, QStringLiteral("?")));
     };
     add("SERVICE", QStringLiteral("WMTS"));
     add("REQUEST", QStringLiteral("GetTile"));

@@ -138,6 +138,8 @@ private slots:
     void settingsThatMakeNoSourceCanBeMended();
     void capabilitiesOpenInTheBackground();
     void capabilitiesThatDoNotComeFailLater();
+    void namesInCapabilitiesReachTheServerWhole_data();
+    void namesInCapabilitiesReachTheServerWhole();
 
 private:
     QTemporaryDir folder;
@@ -732,6 +734,56 @@ void WebTileLayerTest::capabilitiesThatDoNotComeFailLater()
     QCOMPARE(opened.front().front().toBool(), false);
     QCOMPARE(layer.getLastError(), QString("the server answers with status 503"));
     QCOMPARE(log.holding("wmts.xml").size(), 1);
+}
+
+void WebTileLayerTest::namesInCapabilitiesReachTheServerWhole_data()
+{
+    QTest::addColumn<QByteArray>("access"); // how tiles are asked for; {} is where the server is
+    QTest::addColumn<QString>("target");
+    QTest::newRow("in a path") << QByteArray(
+                                      "<ResourceURL format=\"image/png\" resourceType=\"tile\" "
+                                      "template=\"{}/{Style}/{TileMatrixSet}/{TileMatrix}/{TileCol}"
+                                      "/{TileRow}?style={Style}&amp;matrix={TileMatrix}\"/>")
+                               << "/s%231%2B%26%25/w%20%26%2F/m%23%2B%26%25%20x/0/0"
+                                  "?style=s%231%2B%26%25&matrix=m%23%2B%26%25%20x";
+    QTest::newRow("in a query") << QByteArray()
+                                << "/service?map=a%2Bb%26c&SERVICE=WMTS&REQUEST=GetTile"
+                                   "&VERSION=1.0.0&LAYER=l%23%2B%26%25%20x&STYLE=s%231%2B%26%25"
+                                   "&FORMAT=image/png&TILEMATRIXSET=w%20%26/"
+                                   "&TILEMATRIX=m%23%2B%26%25%20x&TILECOL=0&TILEROW=0";
+}
+
+void WebTileLayerTest::namesInCapabilitiesReachTheServerWhole()
+{
+    QFETCH(QByteArray, access);
+    QFETCH(QString, target);
+    HttpTestServer server;
+    server.onOther([](const HttpRequest&) { return tileReply({0, 0, 0}); });
+    QByteArray document =
+        "<Capabilities xmlns=\"http://www.opengis.net/wmts/1.0\" "
+        "xmlns:ows=\"http://www.opengis.net/ows/1.1\" xmlns:xlink=\"http://www.w3.org/1999/xlink\">"
+        "<ows:OperationsMetadata><ows:Operation name=\"GetTile\"><ows:DCP><ows:HTTP>"
+        "<ows:Get xlink:href=\"{}/service?map=a%2Bb%26c\"/></ows:HTTP></ows:DCP></ows:Operation>"
+        "</ows:OperationsMetadata><Contents><Layer><ows:Identifier>l#+&amp;% x</ows:Identifier>"
+        "<Style isDefault=\"true\"><ows:Identifier>s#1+&amp;%</ows:Identifier></Style>"
+        "<Format>image/png</Format><TileMatrixSetLink><TileMatrixSet>w &amp;/</TileMatrixSet>"
+        "</TileMatrixSetLink>" +
+        access +
+        "</Layer><TileMatrixSet><ows:Identifier>w &amp;/</ows:Identifier>"
+        "<ows:SupportedCRS>urn:ogc:def:crs:EPSG::3857</ows:SupportedCRS>"
+        "<TileMatrix><ows:Identifier>m#+&amp;% x</ows:Identifier>"
+        "<ScaleDenominator>559082264.0287178</ScaleDenominator>"
+        "<TopLeftCorner>-20037508.342789 20037508.342789</TopLeftCorner>"
+        "<TileWidth>256</TileWidth><TileHeight>256</TileHeight></TileMatrix>"
+        "</TileMatrixSet></Contents></Capabilities>";
+    document.replace("{}", server.url("").toUtf8());
+    server.on("/wmts.xml", HttpReply::data(document, "application/xml"));
+    WebTileLayer layer;
+    QVERIFY(layer.setDataSource(server.url("/wmts.xml#layer=l%23+&%25 x")));
+    QTRY_VERIFY(layer.isValid());
+    complete(layer, viewOf(layer, 0, 0, 0, 1, 1));
+    QCOMPARE(server.requestCount(), 2);
+    QCOMPARE(QString::fromStdString(server.requests().back().target), target);
 }
 
 int main(int argc, char** argv)

@@ -77,7 +77,11 @@ private slots:
     void otherGridsAreRefused();
     void aNameChoosesTheLayer();
     void aDocumentNestedWithoutEndIsRefused();
-    void valuesThatGrowByEachOtherAreRefused();
+    void namesAreEscapedWhereTheyStand_data();
+    void namesAreEscapedWhereTheyStand();
+    void aNameThatLooksLikeAPlaceIsAName();
+    void urlsWithoutEndAreRefused_data();
+    void urlsWithoutEndAreRefused();
     void documentsOfAnotherKindAreRefused_data();
     void documentsOfAnotherKindAreRefused();
 };
@@ -273,16 +277,99 @@ void WebTileTemplateTest::aDocumentNestedWithoutEndIsRefused()
     QCOMPARE(error, QString("the capabilities cannot be read: they are nested too deeply"));
 }
 
-// Each value names the next one twice: the URL would have 2^60 characters.
-void WebTileTemplateTest::valuesThatGrowByEachOtherAreRefused()
+void WebTileTemplateTest::namesAreEscapedWhereTheyStand_data()
 {
-    QByteArray rest = "<ResourceURL format=\"image/png\" resourceType=\"tile\" "
-                      "template=\"http://e.org/{d0}/{TileMatrix}/{TileRow}/{TileCol}.png\"/>";
-    for (int i = 0; i < 60; ++i) {
-        const QByteArray next = "{d" + QByteArray::number(i + 1) + "}";
-        rest += "<Dimension><ows:Identifier>d" + QByteArray::number(i) +
-                "</ows:Identifier><Default>" + next + next + "</Default></Dimension>";
-    }
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("inPath");
+    QTest::addColumn<QString>("inQuery");
+    QTest::newRow("one that needs nothing") << "EPSG:3857"
+                                            << "EPSG:3857"
+                                            << "EPSG:3857";
+    QTest::newRow("a hash") << "no#1"
+                            << "no%231"
+                            << "no%231";
+    QTest::newRow("a plus") << "a+b"
+                            << "a%2Bb"
+                            << "a%2Bb";
+    QTest::newRow("an ampersand") << "a&b=c"
+                                  << "a%26b%3Dc"
+                                  << "a%26b%3Dc";
+    QTest::newRow("a percent sign") << "50%"
+                                    << "50%25"
+                                    << "50%25";
+    QTest::newRow("what looks escaped already") << "a%2Fb"
+                                                << "a%252Fb"
+                                                << "a%252Fb";
+    QTest::newRow("a blank") << "a b"
+                             << "a%20b"
+                             << "a%20b";
+    QTest::newRow("a question mark") << "a?b"
+                                     << "a%3Fb"
+                                     << "a%3Fb";
+    QTest::newRow("a slash") << "a/b"
+                             << "a%2Fb"
+                             << "a/b";
+    QTest::newRow("letters beyond ASCII") << QString::fromUtf8("Straße") << "Stra%C3%9Fe"
+                                          << "Stra%C3%9Fe";
+}
+
+void WebTileTemplateTest::namesAreEscapedWhereTheyStand()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, inPath);
+    QFETCH(QString, inQuery);
+    QString error;
+    auto urls = TileTemplate::parse("http://e.org/{z}/{x}/{y}?zoom={z}", {}, &error);
+    QVERIFY2(urls, qPrintable(error));
+    urls->setZoomNames({name});
+    QCOMPARE(urls->urlOf({0, 0, 0}), "http://e.org/" + inPath + "/0/0?zoom=" + inQuery);
+
+    const QByteArray escapedXml = name.toHtmlEscaped().toUtf8();
+    const QByteArray rest =
+        "<Dimension><ows:Identifier>Time</ows:Identifier><Default>" + escapedXml +
+        "</Default></Dimension><ResourceURL format=\"image/png\" resourceType=\"tile\" "
+        "template=\"http://e.org/{time}/{TileMatrixSet}/{TileMatrix}/{TileRow}/{TileCol}?t={TIME}\"/>";
+    const auto offer = readCapabilities(
+        capabilities(layer("chart", escapedXml, rest), matrixSet(escapedXml, matrix("0", world))),
+        "", &error);
+    QVERIFY2(offer, qPrintable(error));
+    QCOMPARE(offer->url, "http://e.org/" + inPath + "/" + inPath + "/{z}/{y}/{x}?t=" + inQuery);
+}
+
+void WebTileTemplateTest::aNameThatLooksLikeAPlaceIsAName()
+{
+    const QByteArray rest =
+        "<Dimension><ows:Identifier>time</ows:Identifier><Default>{Style}{x}</Default></Dimension>"
+        "<ResourceURL format=\"image/png\" resourceType=\"tile\" "
+        "template=\"http://e.org/{Time}/{TileMatrix}/{TileRow}/{TileCol}.png\"/>";
+    QString error;
+    const QByteArray set = matrixSet("web", matrix("0", world));
+    const auto offer = readCapabilities(capabilities(layer("chart", "web", rest), set), "", &error);
+    QVERIFY2(offer, qPrintable(error));
+    QCOMPARE(offer->url, QString("http://e.org/%7BStyle%7D%7Bx%7D/{z}/{y}/{x}.png"));
+}
+
+void WebTileTemplateTest::urlsWithoutEndAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("places");
+    QTest::addColumn<QByteArray>("value");
+    const QByteArray kilobyte(1024, 'a');
+    QTest::newRow("a long value") << QByteArray("{d}") << kilobyte.repeated(10);
+    QTest::newRow("many places for a value") << QByteArray("{d}").repeated(10) << kilobyte;
+    QTest::newRow("a long template") << kilobyte.repeated(10) << QByteArray("a");
+    QTest::newRow("many places for nothing") << QByteArray("{d}").repeated(5000) << QByteArray();
+}
+
+void WebTileTemplateTest::urlsWithoutEndAreRefused()
+{
+    QFETCH(QByteArray, places);
+    QFETCH(QByteArray, value);
+    const QByteArray rest =
+        "<ResourceURL format=\"image/png\" resourceType=\"tile\" template=\"http://e.org/" +
+        places +
+        "/{TileMatrix}/{TileRow}/{TileCol}.png\"/><Dimension><ows:Identifier>d</ows:Identifier>"
+        "<Default>" +
+        value + "</Default></Dimension>";
     QString error;
     const QByteArray set = matrixSet("web", matrix("0", world));
     QVERIFY(!readCapabilities(capabilities(layer("chart", "web", rest), set), "", &error));
