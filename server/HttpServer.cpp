@@ -62,6 +62,23 @@ Reply keptOut(std::chrono::seconds wait)
     return reply;
 }
 
+// For whoever runs a proxy that passes the name on which it was asked.
+Reply misdirected()
+{
+    Reply reply;
+    reply.status = 421;
+    reply.type = "text/plain; charset=utf-8";
+    reply.body = "This server does not know itself by that name: see its option --host.\n";
+    reply.header("Cache-Control", "no-store");
+    return reply;
+}
+
+bool isForUs(const httplib::Request& request, const HostNames& hosts)
+{
+    return request.get_header_value_count("Host") <= 1 &&
+           hosts.admits(bytesOf(request.get_header_value("Host")));
+}
+
 // What the client gets instead of an answer; nothing where it is let in.
 std::optional<Reply> refusalOf(const httplib::Request& request, const BasicAuth& auth,
                                WrongGuesses& guesses)
@@ -156,14 +173,16 @@ HttpServer::HttpServer(const Routes& routes, const Terms& terms)
     // before the library's own routing, which matches patterns against whatever clients send, and
     // before it reads a body
     server.set_pre_routing_handler(
-        [&routes, &guesses = library->guesses, auth = terms.auth](const httplib::Request& request,
-                                                                  httplib::Response& response) {
+        [&routes, &guesses = library->guesses, auth = terms.auth,
+         hosts = terms.hosts](const httplib::Request& request, httplib::Response& response) {
             using Result = httplib::Server::HandlerResponse;
             const bool reads = request.method == "GET" || request.method == "HEAD";
             if (request.method == "HEAD") {
                 response.set_header("Accept-Ranges", "none"); // else the library offers them
             }
-            if (const std::optional<Reply> refusal = refusalOf(request, auth, guesses)) {
+            if (!isForUs(request, hosts)) {
+                send(misdirected(), QByteArray(), response);
+            } else if (const std::optional<Reply> refusal = refusalOf(request, auth, guesses)) {
                 send(*refusal, QByteArray(), response);
             } else if (reads) {
                 send(routes.get(Request::of(bytesOf(request.target))),

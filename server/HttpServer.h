@@ -1,6 +1,7 @@
 #pragma once
 
 #include <server/BasicAuth.h>
+#include <server/HostNames.h>
 
 #include <QString>
 
@@ -18,6 +19,7 @@ public:
     struct Terms
     {
         BasicAuth auth;
+        HostNames hosts;      ///< others hear 421
         int connections = 64; ///< served at once
         bool logsAccess = false;
     };

@@ -24,6 +24,11 @@ struct OptionSet
                                QString("Listen on ADDRESS. Only this machine reaches the server "
                                        "unless told, 0.0.0.0 stands for all of its networks."),
                                "ADDRESS"};
+    QCommandLineOption host{"host",
+                            QString("Answer to this NAME too, which a proxy on this machine passes "
+                                    "on; may be given more than once. Unless --bind opens it to "
+                                    "others, the server answers to addresses and localhost alone."),
+                            "NAME"};
     QCommandLineOption user{
         "user", QString("Ask for this NAME and the password of --password-file."), "NAME"};
     QCommandLineOption passwordFile{
@@ -55,8 +60,9 @@ void declare(QCommandLineParser& parser, const OptionSet& set)
         "Ends with 0 when stopped by SIGINT or SIGTERM, 1 for wrong usage, 2 when DIR cannot be\n"
         "read, 3 when the address cannot be listened on, or no longer."));
     parser.addPositionalArgument("dir", QString("The folder to publish."), "DIR");
-    parser.addOptions({set.port, set.address, set.user, set.passwordFile, set.title, set.contact,
-                       set.connections, set.threads, set.accessLog, set.version, set.help});
+    parser.addOptions({set.port, set.address, set.host, set.user, set.passwordFile, set.title,
+                       set.contact, set.connections, set.threads, set.accessLog, set.version,
+                       set.help});
 }
 
 bool readNumber(const QCommandLineParser& parser, const QCommandLineOption& option, int least,
@@ -140,6 +146,7 @@ bool ServerOptions::parse(const QStringList& arguments, ServerOptions* options, 
     }
     options->folder = parser.positionalArguments().first();
     options->address = parser.isSet(set.address) ? parser.value(set.address) : options->address;
+    options->hosts = parser.values(set.host);
     options->title = parser.isSet(set.title) ? parser.value(set.title) : options->title;
     options->contact = parser.value(set.contact);
     options->logsAccess = parser.isSet(set.accessLog);

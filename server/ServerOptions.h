@@ -27,6 +27,7 @@ struct ServerOptions
     QString folder;
     int port = 8460; ///< 0 for a free one
     QString address = QStringLiteral("127.0.0.1");
+    QStringList hosts; ///< names by which a proxy on this machine calls it
     QString title = QStringLiteral("Corvane image server");
     QString contact;
     QByteArray user;

@@ -36,11 +36,15 @@ QString addressText(const ServerOptions& options, int port)
         .arg(port);
 }
 
+bool isForThisMachineAlone(const ServerOptions& options)
+{
+    return QHostAddress(options.address).isLoopback() ||
+           options.address == QLatin1String("localhost");
+}
+
 void warnOfOpenDoors(const ServerOptions& options)
 {
-    const QHostAddress address(options.address);
-    const bool isLocal = address.isLoopback() || options.address == QLatin1String("localhost");
-    if (!isLocal && options.user.isEmpty()) {
+    if (!isForThisMachineAlone(options) && options.user.isEmpty()) {
         Application::logMessage(QStringLiteral("everybody who reaches %1 sees the images: there is "
                                                "no --user")
                                     .arg(options.address),
@@ -63,6 +67,9 @@ int serve(const ServerOptions& options)
     const Routes routes(images, pictures, description);
     HttpServer::Terms terms;
     terms.auth = options.user.isEmpty() ? BasicAuth() : BasicAuth(options.user, options.password);
+    if (isForThisMachineAlone(options)) { // others may call it by any name of their network
+        terms.hosts = HostNames::localAnd(options.hosts);
+    }
     terms.connections = options.connections;
     terms.logsAccess = options.logsAccess;
     HttpServer server(routes, terms);

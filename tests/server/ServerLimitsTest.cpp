@@ -169,7 +169,8 @@ void ServerLimitsTest::aBodyThatIsTooLongIsRefused()
     QTcpSocket socket;
     socket.connectToHost("127.0.0.1", quint16(server.port()));
     QVERIFY(socket.waitForConnected());
-    socket.write("POST " + path + " HTTP/1.1\r\nHost: x\r\nContent-Length: 4000000000\r\n\r\n");
+    socket.write("POST " + path +
+                 " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: 4000000000\r\n\r\n");
     QVERIFY(socket.waitForReadyRead(60000));
     QVERIFY(socket.readAll().startsWith("HTTP/1.1 413 "));
     QCOMPARE(server.ask(QByteArray("/") + QByteArray(20000, 'a')).status, 414);
@@ -209,8 +210,9 @@ void ServerLimitsTest::bodiesThatAreNotWhatTheyLookLikeAreRefused()
     QTcpSocket socket;
     socket.connectToHost("127.0.0.1", quint16(server.port()));
     QVERIFY(socket.waitForConnected());
-    socket.write("POST /tavro-orivex/catalog/content/search.json HTTP/1.1\r\nHost: x\r\n" + header +
-                 "\r\n\r\n" + body + "GET /tiles/none HTTP/1.1\r\nHost: x\r\n\r\n");
+    socket.write("POST /tavro-orivex/catalog/content/search.json HTTP/1.1\r\nHost: 127.0.0.1\r\n" +
+                 header + "\r\n\r\n" + body +
+                 "GET /tiles/none HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
     QByteArray answers;
     while (socket.waitForReadyRead(60000)) {
         answers += socket.readAll();
@@ -245,7 +247,7 @@ void ServerLimitsTest::aConnectionServesManyRequests()
     QVERIFY(socket.waitForConnected());
     QByteArray answers;
     for (int i = 0; i < 50; ++i) {
-        socket.write("GET /tiles/none HTTP/1.1\r\nHost: x\r\n\r\n");
+        socket.write("GET /tiles/none HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
         const int expected = i + 1;
         while (answers.count("there is no image") < expected && socket.waitForReadyRead(60000)) {
             answers += socket.readAll();
@@ -377,7 +379,7 @@ void ServerLimitsTest::aStopDoesNotWaitForAPictureWithoutAnEnd()
     client.connectToHost("127.0.0.1", quint16(server.port()));
     QVERIFY(client.waitForConnected());
     const int before = ticksOf(server.processId());
-    client.write("GET /tiles/12.vrt/0/0/0.png HTTP/1.1\r\nHost: x\r\n\r\n");
+    client.write("GET /tiles/12.vrt/0/0/0.png HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
     QVERIFY(client.waitForBytesWritten());
     QTRY_VERIFY_WITH_TIMEOUT(ticksOf(server.processId()) > before + 50, generous); // it is at work
     QCOMPARE(server.stop(), 0);

@@ -71,7 +71,10 @@ QString ServerProcess::url(const QString& path) const
 ServerAnswer ServerProcess::ask(const QByteArray& target, const QList<QByteArray>& headers,
                                 const QByteArray& method, const QByteArray& body) const
 {
-    QByteArray request = method + ' ' + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\n";
+    QByteArray request = method + ' ' + target + " HTTP/1.1\r\n";
+    if (!host.isEmpty()) {
+        request += "Host: " + host + "\r\n";
+    }
     for (const QByteArray& header : headers) {
         request += header + "\r\n";
     }

@@ -48,6 +48,9 @@ public:
     /// Questions come from this address of the loopback from now on.
     void setSource(const QString& address) { source = address; }
 
+    /// Questions call it so from now on, in the header "Host"; without one where empty.
+    void setHost(const QByteArray& name) { host = name; }
+
     /// Ends it with SIGTERM; the exit code, -1 where it did not end.
     int stop();
     /// The exit code once it has ended by itself; -1 where it does not.
@@ -59,6 +62,7 @@ private:
     QProcess process;
     QString line;
     QString source = QStringLiteral("127.0.0.1");
+    QByteArray host = "127.0.0.1";
     QByteArray errors;
     int thePort = 0;
 };

@@ -38,6 +38,10 @@ private slots:
     void theFirstLineSaysWhatIsPublishedAndWhere();
     void onlyTheLoopbackIsListenedOnUnlessTold();
     void openDoorsAreWarnedOf();
+    void strangersNamesAreNotAnsweredOnTheLoopback_data();
+    void strangersNamesAreNotAnsweredOnTheLoopback();
+    void twoNamesAreOneTooMany();
+    void namesAreNotLookedAtWhereOthersAreLetIn();
     void signalsEndIt_data();
     void signalsEndIt();
     void aConnectionThatIsOpenDoesNotKeepItAlive();
@@ -200,6 +204,54 @@ void ServerProgramTest::openDoorsAreWarnedOf()
     QVERIFY(!locked.log().contains("everybody"));
 }
 
+void ServerProgramTest::strangersNamesAreNotAnsweredOnTheLoopback_data()
+{
+    QTest::addColumn<QByteArray>("host");
+    QTest::addColumn<int>("status");
+    QTest::newRow("none") << QByteArray() << 200;
+    QTest::newRow("an address") << QByteArray("127.0.0.1") << 200;
+    QTest::newRow("with a port") << QByteArray("127.0.0.1:8460") << 200;
+    QTest::newRow("six") << QByteArray("[::1]:8460") << 200;
+    QTest::newRow("localhost") << QByteArray("LocalHost:8460") << 200;
+    QTest::newRow("below localhost") << QByteArray("images.localhost") << 200;
+    QTest::newRow("the proxy's") << QByteArray("Images.Example.org") << 200;
+    QTest::newRow("the proxy's, with a port") << QByteArray("images.example.org:443") << 200;
+    QTest::newRow("a stranger's") << QByteArray("evil.example.org") << 421;
+    QTest::newRow("below the proxy's") << QByteArray("evil.images.example.org") << 421;
+    QTest::newRow("like localhost") << QByteArray("evillocalhost") << 421;
+    QTest::newRow("like an address") << QByteArray("127.0.0.1.example.org") << 421;
+    QTest::newRow("a number") << QByteArray("2130706433") << 421;
+    QTest::newRow("an open bracket") << QByteArray("[evil.example.org") << 421;
+    QTest::newRow("a bracket around a name") << QByteArray("[evil.example.org]") << 421;
+    QTest::newRow("nothing but a port") << QByteArray(":8460") << 421;
+}
+
+void ServerProgramTest::strangersNamesAreNotAnsweredOnTheLoopback()
+{
+    QFETCH(QByteArray, host);
+    QFETCH(int, status);
+    ServerProcess server(folder, {"--host", "localbox", "--host", "images.example.ORG"});
+    server.setHost(host);
+    const ServerAnswer answer = server.ask("/tiles/a.tif");
+    QCOMPARE(answer.status, status);
+    QCOMPARE(answer.body.contains("tileSize"), status == 200);
+    QCOMPARE(server.ask("/tavro-orivex/catalog/content/search.json", {}, "POST", "{}").status,
+             status);
+}
+
+void ServerProgramTest::twoNamesAreOneTooMany()
+{
+    ServerProcess server(folder);
+    QCOMPARE(server.ask("/tiles/a.tif", {"Host: evil.example.org"}).status, 421);
+}
+
+void ServerProgramTest::namesAreNotLookedAtWhereOthersAreLetIn()
+{
+    ServerProcess server(folder, {"--bind", "0.0.0.0"});
+    server.setHost("images.example.org");
+    QCOMPARE(server.ask("/tiles/a.tif").status, 200);
+}
+
 void ServerProgramTest::signalsEndIt_data()
 {
     QTest::addColumn<int>("number");
@@ -268,7 +320,7 @@ void ServerProgramTest::credentialsAreAskedForBeforeABodyIsRead()
     QTcpSocket client;
     client.connectToHost("127.0.0.1", quint16(server.port()));
     QVERIFY(client.waitForConnected());
-    client.write("POST /tavro-orivex/catalog/content/search.json HTTP/1.1\r\nHost: x\r\n"
+    client.write("POST /tavro-orivex/catalog/content/search.json HTTP/1.1\r\nHost: 127.0.0.1\r\n"
                  "Content-Length: 100\r\n\r\n"); // and nothing of it
     QVERIFY(client.waitForReadyRead(60000));
     QVERIFY(client.readAll().startsWith("HTTP/1.1 401 "));
