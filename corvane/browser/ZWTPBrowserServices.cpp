@@ -120,11 +120,13 @@ void ZWTPBrowser::showServices(QNetworkReply* reply, const QDomDocument& list)
     if (!services.isNull()) {
         const QString standard = QStringLiteral("default");
         clearServices();
+        QStringList names;
         const QDomNodeList nodes = services.elementsByTagName(QStringLiteral("service"));
         for (int i = 0; i < nodes.size(); ++i) {
             const QString name = nodes.at(i).toElement().attribute(QStringLiteral("name"));
-            ui->serviceNameCombo->addItem(name.isEmpty() ? standard : name);
+            names.append(name.isEmpty() ? standard : name);
         }
+        ui->serviceNameCombo->addItems(names);
         const QSignalBlocker blocker(ui->serviceNameCombo);
         const int index =
             ui->serviceNameCombo->findData(standard, Qt::DisplayRole, Qt::MatchFixedString);
