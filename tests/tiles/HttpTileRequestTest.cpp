@@ -1,6 +1,6 @@
-#include <corvane/map/GeoPainter.h>
 #include <tests/support/MessageLines.h>
 #include <tests/tiles/HttpTiledLayer.h>
+#include <tests/tiles/PaintedLevels.h>
 
 #include <QLoggingCategory>
 #include <QtTest>
@@ -65,16 +65,6 @@ QImage ofOneColour(int width, int height, const QColor& colour)
 {
     QImage image(width, height, QImage::Format_ARGB32);
     image.fill(colour);
-    return image;
-}
-
-QImage painted(LayerLevels& levels, int size, QRectF world)
-{
-    QImage image = ofOneColour(size, size, Qt::white);
-    QRect device(0, 0, size, size);
-    GeoPainter painter(&image, world, device);
-    levels.paint(painter, &world, &device);
-    painter.end();
     return image;
 }
 

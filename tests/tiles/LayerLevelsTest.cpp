@@ -1,4 +1,5 @@
 #include <corvane/map/GeoPainter.h>
+#include <tests/tiles/PaintedLevels.h>
 #include <tests/tiles/PlainTiledLayer.h>
 #include <tests/tiles/TileLines.h>
 
@@ -41,17 +42,6 @@ void addTile(LayerLevel& level, unsigned int tx, unsigned int ty, GeoImage* imag
 {
     QString key = level.getTileKey(tx, ty);
     level.addTile(key, image);
-}
-
-QImage painted(LayerLevels& levels, int size, QRectF world)
-{
-    QImage image(size, size, QImage::Format_ARGB32);
-    image.fill(Qt::white);
-    QRect device(0, 0, size, size);
-    GeoPainter painter(&image, world, device);
-    levels.paint(painter, &world, &device);
-    painter.end();
-    return image;
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include <corvane/map/GeoPainter.h>
+#include <tests/tiles/PaintedLevels.h>
 #include <tests/tiles/PlainTiledLayer.h>
 
 #include <QLoggingCategory>
@@ -14,17 +14,6 @@ using namespace Corvane::Map;
 namespace {
 
 constexpr int poolThreads = 8;
-
-QImage painted(LayerLevels& levels, int size, QRectF world)
-{
-    QImage image(size, size, QImage::Format_ARGB32);
-    image.fill(Qt::white);
-    QRect device(0, 0, size, size);
-    GeoPainter painter(&image, world, device);
-    levels.paint(painter, &world, &device);
-    painter.end();
-    return image;
-}
 
 } // namespace
 
