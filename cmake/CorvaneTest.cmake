@@ -1,17 +1,19 @@
 # corvane_test(map/ViewManagerTest [LIBS ...] [SOURCES ...] [LABELS ...] [DEFINITIONS ...] [DEPENDS ...])
 #
-# Builds tests/map/ViewManagerTest.cpp and registers it as map.ViewManager. The folder is the
-# test's first label; the target threaded_tests builds those labelled tiles or tsan. Each test runs off screen, with a home and settings folder of its own.
+# Builds tests/map/ViewManagerTest.cpp and registers it as map.ViewManager; where the folder has
+# others in it, tests/viewer/cells/LatestCellsTest.cpp is viewer.LatestCells. The uppermost folder is the
+# test's first label; the target threaded_tests builds those labelled tiles or tsan. Each test runs off
+# screen, with a home and settings folder of its own.
 add_custom_target(threaded_tests)
 
 function(corvane_test name)
     cmake_parse_arguments(arg "" "" "LIBS;SOURCES;LABELS;DEFINITIONS;DEPENDS" ${ARGN})
     get_filename_component(folder ${name} DIRECTORY)
     get_filename_component(file ${name} NAME)
-    string(REPLACE "/" "." dotted ${folder})
+    string(REGEX REPLACE "/.*" "" subsystem ${folder})
     string(REGEX REPLACE "Test$" "" unit ${file})
-    set(test ${dotted}.${unit})
-    set(target ${dotted}.${file})
+    set(test ${subsystem}.${unit})
+    set(target ${subsystem}.${file})
 
     add_executable(${target} ${CMAKE_SOURCE_DIR}/tests/${name}.cpp ${arg_SOURCES})
     set_target_properties(${target} PROPERTIES
@@ -23,7 +25,7 @@ function(corvane_test name)
         add_dependencies(${target} ${arg_DEPENDS})
     endif()
 
-    if(folder STREQUAL "tiles" OR "tsan" IN_LIST arg_LABELS)
+    if(subsystem STREQUAL "tiles" OR "tsan" IN_LIST arg_LABELS)
         add_dependencies(threaded_tests ${target})
     endif()
 
@@ -32,7 +34,7 @@ function(corvane_test name)
     file(CHMOD ${home}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE) # as Qt wants it
     add_test(NAME ${test} COMMAND ${target} WORKING_DIRECTORY ${home})
     set_tests_properties(${test} PROPERTIES
-        LABELS "${folder};${arg_LABELS}"
+        LABELS "${subsystem};${arg_LABELS}"
         TIMEOUT 300
         ENVIRONMENT "${CORVANE_TEST_ENVIRONMENT};HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_RUNTIME_DIR=${home}/runtime")
 endfunction()
