@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QMetaMethod>
 #include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
 #include <QtTest>
 
 /// The rows of a test function, as "function:row"; the function itself where it has none.
@@ -11,7 +13,11 @@ inline QStringList rowsOf(const QMetaObject& test, const QString& function)
     if (test.indexOfSlot(qPrintable(function + "_data()")) < 0) {
         return {function};
     }
+    const QTemporaryDir leavings; // a test that lists its rows ends without taking its folders away
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TMPDIR", leavings.path());
     QProcess process;
+    process.setProcessEnvironment(environment);
     process.start(QCoreApplication::applicationFilePath(), {function, "-datatags"});
     process.waitForFinished(-1);
     QStringList rows;
