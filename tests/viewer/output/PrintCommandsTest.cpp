@@ -476,8 +476,11 @@ int main(int argc, char** argv)
 {
     setUpLogging(false);
     Application application(argc, argv, "Corvane Viewer Test");
-    PrintCommandsTest test;
-    const int result = runEachInItsProcess(test, argc, argv); // the window ends the plugins
+    int result = 0;
+    {
+        PrintCommandsTest test; // ends before the process does, and takes its folder away
+        result = runEachInItsProcess(test, argc, argv); // the window ends the plugins
+    }
     endNow(result); // a read that hangs in the server would hold up the orderly way
 }
 
