@@ -182,6 +182,14 @@ void LogBookTest::passwordsAreLeftOut_data()
                                    << "PG:dbname=maps user=anna PASSWORD=*** host=h";
     QTest::newRow("as a token") << "http://h/t?access_token=abc.def"
                                 << "http://h/t?access_token=***";
+    QTest::newRow("as a signature") << "cannot open https://h/a.tif?sv=2&sig=abc%3D&x=1 now"
+                                    << "cannot open https://h/a.tif?sv=2&sig=***&x=1 now";
+    QTest::newRow("of a cloud") << "https://h/a.tif?X-Amz-Date=1&X-Amz-Signature=5ec4e7"
+                                << "https://h/a.tif?X-Amz-Date=1&X-Amz-Signature=***";
+    QTest::newRow("as a key") << "https://h/{z}/{x}/{y}.png?key=abc&client_secret=d"
+                              << "https://h/{z}/{x}/{y}.png?key=***&client_secret=***";
+    QTest::newRow("a key of something else") << "no key=4 in the table"
+                                             << "no key=4 in the table";
     QTest::newRow("in a header") << "Authorization: Basic YTpi"
                                  << "Authorization: Basic ***";
     QTest::newRow("none") << "http://host:8080/a|b and user@host"
