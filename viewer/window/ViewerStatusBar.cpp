@@ -1,5 +1,6 @@
 #include <viewer/window/ViewerStatusBar.h>
 
+#include <viewer/maps/LateLayers.h>
 #include <viewer/maps/LoadProgress.h>
 #include <viewer/maps/MapWindow.h>
 #include <viewer/maps/PointerTracker.h>
@@ -37,7 +38,8 @@ ViewerStatusBar::ViewerStatusBar(QWidget* parent)
           addLabel("coordinates", QStringLiteral("00° 00' 00.0000\" N  000° 00' 00.0000\" E"))),
       scale(new ScaleBox(this)),
       zoom(addLabel("zoom", QStringLiteral("zoom 10,000 %"))),
-      progress(new LoadProgress(this))
+      progress(new LoadProgress(this)),
+      late(new LateLayers(this))
 {
     scale->setObjectName("scale");
     addFormButton();
@@ -46,6 +48,7 @@ ViewerStatusBar::ViewerStatusBar(QWidget* parent)
     addPermanentWidget(zoom);
     addProgressBar();
     connect(progress, &LoadProgress::changed, this, &ViewerStatusBar::showProgress);
+    connect(late, &LateLayers::ended, this, &ViewerStatusBar::showReference);
     connect(scale, &ScaleBox::refused, this,
             [this](const QString& reason) { showMessage(reason, messageMilliseconds); });
     showForms();
@@ -115,23 +118,37 @@ void ViewerStatusBar::setMapWindow(MapWindow* newWindow)
     if (window) {
         connectMap();
     }
-    showForms();
-    showScale();
+    showReference();
 }
 
 void ViewerStatusBar::connectMap()
 {
-    const auto onLayers = [this] {
-        showForms();
-        showScale();
-    };
-    connect(window->getView(), &Map::MapView::mapExtentsChanged, this, &ViewerStatusBar::showScale);
-    connect(window->getView(), &Map::MapView::layerAdded, this, onLayers);
-    connect(window->getView(), &Map::MapView::layerMoved, this, onLayers);
+    Map::MapView* const view = window->getView();
+    connect(view, &Map::MapView::mapExtentsChanged, this, &ViewerStatusBar::showScale);
+    connect(view, &Map::MapView::layerAdded, this, &ViewerStatusBar::followLayer);
+    connect(view, &Map::MapView::layerMoved, this, &ViewerStatusBar::showReference);
     // later: while the signal runs the layer is still there
-    connect(window->getView(), &Map::MapView::layerDeleted, this, onLayers, Qt::QueuedConnection);
+    connect(view, &Map::MapView::layerDeleted, this, &ViewerStatusBar::showReference,
+            Qt::QueuedConnection);
+    for (Map::Layer* layer : view->getLayers()) {
+        late->follow(layer);
+    }
     connect(window->getTracker(), &PointerTracker::moved, this, &ViewerStatusBar::showCoordinates);
     connect(window->getTracker(), &PointerTracker::left, this, &ViewerStatusBar::clearCoordinates);
+}
+
+/// One that opens later has its reference only then.
+void ViewerStatusBar::followLayer(Map::Layer* layer)
+{
+    late->follow(layer);
+    showReference();
+}
+
+/// What depends on the layers.
+void ViewerStatusBar::showReference()
+{
+    showForms();
+    showScale();
 }
 
 void ViewerStatusBar::chooseForm(CoordinateForm chosen)

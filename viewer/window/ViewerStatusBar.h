@@ -12,8 +12,13 @@ class QLabel;
 class QProgressBar;
 class QToolButton;
 
+namespace Corvane::Map {
+class Layer;
+}
+
 namespace Corvane::Viewer {
 
+class LateLayers;
 class LoadProgress;
 class MapWindow;
 class ScaleBox;
@@ -35,6 +40,8 @@ private:
     void addFormButton();
     void addProgressBar();
     void connectMap();
+    void followLayer(Map::Layer* layer);
+    void showReference();
     void chooseForm(CoordinateForm form);
     void showForms();
     CoordinateForm shownForm() const;
@@ -52,6 +59,7 @@ private:
     QLabel* zoom;
     QProgressBar* bar = nullptr;
     LoadProgress* progress;
+    LateLayers* late;
     QPointF pointer;
     bool pointerIsInside = false;
 };

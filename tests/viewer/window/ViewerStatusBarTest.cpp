@@ -26,6 +26,24 @@
 using namespace Corvane;
 using namespace Corvane::Viewer;
 
+/// Opens when the test says so.
+class LateLayer : public ReferencedLayer
+{
+    Q_OBJECT
+public:
+    LateLayer() { valid = false; }
+
+    void open(const QString& reference)
+    {
+        wkt = reference;
+        valid = true;
+        emit sourceOpened(true);
+    }
+
+signals:
+    void sourceOpened(bool ok);
+};
+
 class ViewerStatusBarTest : public QObject
 {
     Q_OBJECT
@@ -39,6 +57,7 @@ private slots:
     void aMapWithoutAReferenceSaysWhy();
     void aFormThatIsMissingComesBackWithTheNextMap();
     void aPlaceOutsideHasADash();
+    void aLayerThatOpensLaterBringsItsReference();
     void enterShowsTheTypedScale();
     void theViewMovesAsItsOwnCommandsDo();
     void aMoveEndsWithTheUsersHand();
@@ -211,6 +230,32 @@ void ViewerStatusBarTest::aPlaceOutsideHasADash()
     form("degrees")->trigger();
     emit map->getTracker()->moved(QPointF(1e12, 0.0));
     QCOMPARE(coordinates(), QString::fromUtf8("–"));
+}
+
+void ViewerStatusBarTest::aLayerThatOpensLaterBringsItsReference()
+{
+    auto* const map = new MapWindow;
+    area->addSubWindow(map);
+    map->resize(500, 400);
+    map->show();
+    Map::MapView* const view = map->getView();
+    for (const bool isFollowed : {false, true}) { // it may have come before the window or after
+        view->deleteAllLayers();
+        auto* const layer = new LateLayer;
+        if (!isFollowed) {
+            view->addLayer(layer);
+        }
+        bar->setMapWindow(map);
+        if (isFollowed) {
+            view->addLayer(layer);
+        }
+        QCOMPARE(box->currentText(), QString());
+        QVERIFY(!form("degrees")->isEnabled());
+        layer->open("EPSG:25833");
+        QVERIFY(form("degrees")->isEnabled());
+        QVERIFY(box->currentText().startsWith("1:"));
+        bar->setMapWindow(nullptr);
+    }
 }
 
 void ViewerStatusBarTest::enterShowsTheTypedScale()
