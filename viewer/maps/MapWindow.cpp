@@ -35,8 +35,10 @@ MapWindow::MapWindow(QWidget* parent)
     setWidget(view);
     connect(document, &MapDocument::changed, this, &MapWindow::updateTitle);
     connect(document, &MapDocument::saved, this, &MapWindow::onDocumentSaved);
+    connect(view, &Map::MapView::layerAdded, this, &MapWindow::stayOpen);
     // queued: while the signal runs half a view is left, which nobody may reach through this window
     connect(view, &QObject::destroyed, this, &MapWindow::onViewDestroyed, Qt::QueuedConnection);
+    updateTitle();
 }
 
 MapWindow::~MapWindow()
@@ -66,7 +68,12 @@ MapDocument* MapWindow::getDocument() const
 
 QString MapWindow::getName() const
 {
-    return name;
+    return name.isEmpty() ? tr("Untitled") : name;
+}
+
+void MapWindow::stayOpen()
+{
+    closesEmpty = false;
 }
 
 QWidget* MapWindow::getDialogParent() const
@@ -146,8 +153,19 @@ void MapWindow::onDocumentRefused(const QString& source, const QString& reason)
     updateTitle();
     emit openFailed(source, reason);
     emit refused(source);
-    if (view && openCount == 0 && view->getNumberOfLayers() == 0) {
+    closeIfInVain(source);
+}
+
+void MapWindow::closeIfInVain(const QString& source)
+{
+    if (openCount > 0 || !view || view->getNumberOfLayers() > 0) {
+        return;
+    }
+    if (closesEmpty) {
         close();
+    } else if (name == LayerOpener::nameOf(source) && document->getFileName().isEmpty()) {
+        name.clear();
+        updateTitle();
     }
 }
 
@@ -191,15 +209,13 @@ void MapWindow::onOpened(LayerOpener* opener, int number, bool ok)
     }
     emit openFailed(opener->getSource(), opener->getReason());
     emit refused(opener->getSource());
-    if (view && openCount == 0 && view->getNumberOfLayers() == 0) {
-        close();
-    }
+    closeIfInVain(opener->getSource());
 }
 
 void MapWindow::updateTitle()
 {
-    const QString marked = document->isChanged() ? tr("%1 *").arg(name) : name;
-    setWindowTitle(openCount > 0 ? tr("%1 (opening)").arg(name) : marked);
+    const QString marked = document->isChanged() ? tr("%1 *").arg(getName()) : getName();
+    setWindowTitle(openCount > 0 ? tr("%1 (opening)").arg(getName()) : marked);
 }
 
 void MapWindow::setMapFullScreen(bool full)

@@ -36,7 +36,7 @@ public:
 
     /// Where the map comes from and was saved to; never null.
     MapDocument* getDocument() const;
-    /// What the map is called: its file, or the first source.
+    /// What the map is called: its file, or the first source; never empty.
     QString getName() const;
     /// Over what a dialog about the map stands.
     QWidget* getDialogParent() const;
@@ -53,6 +53,9 @@ public:
     void openCopyOf(const MapWindow& other, const QString& copyName);
     /// Whether a source is still being opened.
     bool isOpening() const;
+    /// From now on the window does not close by itself where nothing came of its sources, as it does
+    /// before its first layer.
+    void stayOpen();
 
     /// Puts the view on the whole screen, or back in here.
     void setMapFullScreen(bool full);
@@ -67,7 +70,7 @@ signals:
     void layerOpened(MapWindow* window);
     /// The view fills the screen now, or is back.
     void mapFullScreenChanged(bool full);
-    /// Nothing came of a source; a window without any layer closes by itself after this.
+    /// Nothing came of a source; a window that never had a layer closes by itself after this.
     void openFailed(const QString& source, const QString& reason);
     /// The same, but not where only a layer of a document is missing.
     void refused(const QString& source);
@@ -83,6 +86,7 @@ private:
     void onDocumentLoaded();
     void onDocumentRefused(const QString& source, const QString& reason);
     void onDocumentSaved(bool ok, const QString& fileName);
+    void closeIfInVain(const QString& source);
     void updateTitle();
     void onViewDestroyed();
 
@@ -90,11 +94,12 @@ private:
     QPointer<PointerTracker> tracker;
     MapDocument* document;
     std::function<bool()> closeGuard; // empty for none
-    QString name;
+    QString name;                     // empty for none
     int openCount = 0;                            // sources that are being opened
     int openedCount = 0;                          // sources that were to be opened
     QMap<int, QPointer<Map::Layer>> openedLayers; // by the number of their source
     bool mapFullScreen = false;
+    bool closesEmpty = true;
 };
 
 } // namespace Corvane::Viewer

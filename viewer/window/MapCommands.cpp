@@ -159,8 +159,8 @@ void MapCommands::savePicture()
     if (!view) {
         return;
     }
-    PictureSaver::askAndSave(paintMapPicture(*view, view->devicePixelRatioF()),
-                             window->windowTitle(), view->window());
+    PictureSaver::askAndSave(paintMapPicture(*view, view->devicePixelRatioF()), window->getName(),
+                             view->window());
 }
 
 Map::MapView* MapCommands::getView() const

@@ -10,6 +10,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QRegularExpression>
 #include <QSet>
 #include <QSettings>
 #include <QTabBar>
@@ -27,12 +28,13 @@ QString nameOfCopy(const MapWindow& original, const QList<MapWindow*>& windows)
     for (const MapWindow* window : windows) {
         taken << window->getName();
     }
-    const QString name = original.getName().section(':', 0, 0);
+    static const QRegularExpression copyNumber(":[0-9]+$");
+    const QString stem = original.getName().remove(copyNumber) + ':';
     int number = 2;
-    while (taken.contains(QString("%1:%2").arg(name).arg(number))) {
+    while (taken.contains(stem + QString::number(number))) {
         ++number;
     }
-    return QString("%1:%2").arg(name).arg(number);
+    return stem + QString::number(number);
 }
 
 } // namespace
@@ -48,6 +50,7 @@ WindowCommands::WindowCommands(ViewerWindow* viewerWindow)
     connect(window, &ViewerWindow::activeMapChanged, this, &WindowCommands::updateCommands);
     connect(window, &ViewerWindow::mapWindowAdded, this, [this](MapWindow* map) {
         updateCommands();
+        connect(map, &QWidget::windowTitleChanged, this, &WindowCommands::nameTabs);
         connect(map, &QObject::destroyed, this, &WindowCommands::updateCommands,
                 Qt::QueuedConnection);
     });
@@ -63,7 +66,7 @@ QMenu* WindowCommands::getMenu() const
 
 void WindowCommands::createCommands()
 {
-    addCommand(window, "actionNewMap", [this] { window->addMapWindow(); });
+    addCommand(window, "actionNewMap", [this] { window->addMapWindow()->stayOpen(); });
     forOneMap << addCommand(window, "actionCloneMap", [this] { cloneMap(); });
     tabs = addSwitch(window, "actionTabs", [this](bool on) { showTabs(on); });
     forOneMap << addCommand(window, "actionTile", [this] { arrange(&QMdiArea::tileSubWindows); });
@@ -139,7 +142,18 @@ void WindowCommands::showTabs(bool on)
         bar->setExpanding(false);
         bar->setElideMode(Qt::ElideMiddle);
     }
+    nameTabs();
     Application::instance()->getSettings()->setValue(tabsKey, on);
+}
+
+/// The area takes the titles as they are, and a tab takes an ampersand for the mark of a key.
+void WindowCommands::nameTabs()
+{
+    auto* const bar = area->findChild<QTabBar*>(QString(), Qt::FindDirectChildrenOnly);
+    const QList<QMdiSubWindow*> windows = area->subWindowList(); // in the order of their tabs
+    for (int i = 0; bar && i < windows.size(); ++i) {
+        bar->setTabText(i, windows.at(i)->windowTitle().replace('&', "&&"));
+    }
 }
 
 /// Tabs show one map at a time: an arrangement ends them.

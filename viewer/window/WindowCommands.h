@@ -29,6 +29,7 @@ private:
     void fillMenu();
     void cloneMap();
     void showTabs(bool tabs);
+    void nameTabs();
     void arrange(void (QMdiArea::*how)());
     void updateCommands();
 

@@ -24,18 +24,22 @@ private slots:
     void cleanup() { viewer.reset(); }
 
     void ctrlNMakesAnEmptyMap();
+    void aMapWithoutANameIsUntitled();
+    void aMapOfTheUsersStaysThoughNothingOpensInIt();
     void ctrlMShowsTheMapInASecondWindow();
     void aCopyHasStyleOrderAndVisibilityOfItsOwn();
     void aCopyOfAnUnchangedMapIsUnchanged();
     void aCopyOfAChangedMapIsChanged();
     void aCopyIsNoRecentFile();
     void copiesAreNumbered();
+    void aCopyKeepsTheNameAsItIs();
     void aSourceThatIsGoneIsAnEmptyPlaceInTheCopy();
     void commandsNeedWindowsToWorkOn();
 
     void tabsStandInTheirOrderAndCloseMaps();
     void tabsAreKeptForTheNextStart();
     void tabsThatWereKeptAreThere();
+    void aTabHasTheNameAsItIs();
     void anArrangementEndsTheTabs();
     void ctrlTabGoesRoundInBothDirections();
     void theMenuNumbersTheMapsAndTicksTheActiveOne();
@@ -98,6 +102,33 @@ void WindowCommandsTest::ctrlNMakesAnEmptyMap()
     QCOMPARE(viewer->window->getActiveMapWindow(), made);
     QCOMPARE(made->getView()->getNumberOfLayers(), 0);
     QVERIFY(!made->getDocument()->isChanged());
+}
+
+void WindowCommandsTest::aMapWithoutANameIsUntitled()
+{
+    press(Qt::Key_N, Qt::ControlModifier);
+    MapWindow* const made = viewer->window->getMapWindows().last();
+    QCOMPARE(made->windowTitle(), QString("Untitled"));
+    QCOMPARE(windowMenu(), QStringList("[&1 Untitled]"));
+    made->open(viewer->path("one.tif"));
+    QTRY_COMPARE(made->windowTitle(), QString("one.tif"));
+}
+
+/// One that was made for a source goes with it; this one the user has made.
+void WindowCommandsTest::aMapOfTheUsersStaysThoughNothingOpensInIt()
+{
+    press(Qt::Key_N, Qt::ControlModifier);
+    const QPointer<MapWindow> made = viewer->window->getMapWindows().last();
+    const QPointer<MapWindow> emptied = viewer->openMap({"one.tif"});
+    emptied->getView()->deleteAllLayers();
+    viewer->window->addFiles({viewer->path("gone.tif")}, made);
+    viewer->window->addFiles({viewer->path("gone.tif")}, emptied);
+    QTRY_VERIFY(viewer->window->findChild<QMessageBox*>("openFailures"));
+    QTRY_VERIFY(!made->isOpening() && !emptied->isOpening());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(made && emptied);
+    QVERIFY(made->isVisible() && emptied->isVisible());
+    QCOMPARE(made->windowTitle(), QString("Untitled"));
 }
 
 void WindowCommandsTest::ctrlMShowsTheMapInASecondWindow()
@@ -198,6 +229,16 @@ void WindowCommandsTest::copiesAreNumbered()
     QTRY_COMPARE(titles(), QStringList({"one.tif", "one.tif:3", "one.tif:2"}));
 }
 
+void WindowCommandsTest::aCopyKeepsTheNameAsItIs()
+{
+    QVERIFY(QFile::copy(viewer->path("two.tif"), viewer->path("10:30 100%2 wet.tif")));
+    viewer->openMap({"10:30 100%2 wet.tif"});
+    viewer->action("actionCloneMap")->trigger();
+    viewer->action("actionCloneMap")->trigger();
+    QTRY_COMPARE(titles(), QStringList({"10:30 100%2 wet.tif", "10:30 100%2 wet.tif:2",
+                                        "10:30 100%2 wet.tif:3"}));
+}
+
 void WindowCommandsTest::aSourceThatIsGoneIsAnEmptyPlaceInTheCopy()
 {
     viewer->openMap({"one.tif", "two.tif"});
@@ -272,6 +313,25 @@ void WindowCommandsTest::tabsThatWereKeptAreThere()
 {
     QVERIFY(viewer->action("actionTabs")->isChecked());
     QCOMPARE(viewer->window->getMdiArea()->viewMode(), QMdiArea::TabbedView);
+}
+
+void WindowCommandsTest::aTabHasTheNameAsItIs()
+{
+    for (const char* name : {"R&D.tif", "fish & chips.tif"}) {
+        QVERIFY(QFile::copy(viewer->path("two.tif"), viewer->path(name)));
+    }
+    viewer->openMap({"R&D.tif"});
+    viewer->action("actionTabs")->trigger();
+    auto* const tabs = viewer->window->getMdiArea()->findChild<QTabBar*>("mapTabs");
+    QCOMPARE(tabs->tabText(0), QString("R&&D.tif")); // else the letter behind it is underlined
+    MapWindow* const second = viewer->openMap({"fish & chips.tif"});
+    QTRY_COMPARE(tabs->tabText(1), QString("fish && chips.tif"));
+    second->open(viewer->path("one.tif"));
+    QTRY_COMPARE(tabs->tabText(1), QString("fish && chips.tif *"));
+    tabs->moveTab(1, 0);
+    second->getView()->deleteAllLayers();
+    QTRY_COMPARE(tabs->tabText(1), QString("R&&D.tif"));
+    QCOMPARE(tabs->count(), 2);
 }
 
 void WindowCommandsTest::anArrangementEndsTheTabs()
