@@ -77,9 +77,31 @@ void MapSaving::askAboutChanges(MapWindow* map, const Next& then)
     box->open();
 }
 
+bool MapSaving::waitsForReading(MapWindow* map, const Next& saving)
+{
+    MapDocument* const document = map->getDocument();
+    if (!document->isLoading()) {
+        return false;
+    }
+    const char* const name = "savesLater";
+    if (!document->findChild<QObject*>(name, Qt::FindDirectChildrenOnly)) { // else it does already
+        auto* const once = new QObject(document);
+        once->setObjectName(name);
+        connect(document, &MapDocument::changed, once, [once, document, saving] {
+            if (!document->isLoading()) {
+                document->disconnect(once);
+                once->setObjectName(QString());
+                once->deleteLater();
+                saving();
+            }
+        });
+    }
+    return true;
+}
+
 void MapSaving::save(MapWindow* map, const Next& then)
 {
-    if (!map) {
+    if (!map || waitsForReading(map, [this, map, then] { save(map, then); })) {
         return;
     }
     if (map->getDocument()->getFileName().isEmpty()) {
@@ -111,7 +133,7 @@ void MapSaving::askAboutMissingLayers(MapWindow* map, const Next& then)
 
 void MapSaving::saveAs(MapWindow* map, const Next& then)
 {
-    if (!map) {
+    if (!map || waitsForReading(map, [this, map, then] { saveAs(map, then); })) {
         return;
     }
     const QString current = map->getDocument()->getFileName();

@@ -38,6 +38,8 @@ signals:
 private:
     using Next = std::function<void()>;
 
+    /// Whether the map is being read, and saving comes later: half a document would replace the whole.
+    bool waitsForReading(MapWindow* map, const Next& saving);
     void save(MapWindow* map, const Next& then);
     void saveAs(MapWindow* map, const Next& then);
     void write(MapWindow* map, const QString& fileName, const Next& then);

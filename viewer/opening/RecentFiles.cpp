@@ -2,6 +2,7 @@
 
 #include <viewer/frame/NoticeBar.h>
 #include <viewer/maps/LayerOpener.h>
+#include <viewer/maps/Secrets.h>
 
 #include <corvane/core/Application.h>
 
@@ -9,7 +10,6 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QSettings>
-#include <QUrl>
 
 namespace Corvane::Viewer {
 namespace {
@@ -58,7 +58,7 @@ QStringList RecentFiles::list()
 
 void RecentFiles::add(const QString& source)
 {
-    if (source.isEmpty() || !QUrl(source).userInfo().isEmpty()) {
+    if (source.isEmpty() || withoutSecrets(source) != source) {
         return;
     }
     QStringList sources = list();

@@ -17,7 +17,7 @@ public:
 
     /// A menu of the list, which follows it; the owner's.
     QMenu* getMenu() const;
-    /// Puts the source first. An address with a user name in it is not kept.
+    /// Puts the source first. One that gives access is not kept.
     void add(const QString& source);
     /// The source could not be opened: the user may want it off the list.
     void offerToRemove(const QString& source);

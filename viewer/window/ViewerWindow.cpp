@@ -169,13 +169,14 @@ MapWindow* ViewerWindow::addMapWindow()
     return window;
 }
 
-/// The window that this document is open in, or null.
+/// The window that this document is open in, or will be, or null.
 MapWindow* ViewerWindow::windowOf(const QString& document) const
 {
     const QString wanted = QFileInfo(document).absoluteFilePath();
     for (QMdiSubWindow* subWindow : getMdiArea()->subWindowList()) {
         const auto window = qobject_cast<MapWindow*>(subWindow);
-        if (window && window->getDocument()->getFileName() == wanted) {
+        const MapDocument* const known = window ? window->getDocument() : nullptr;
+        if (known && (known->getFileName() == wanted || known->getLoadingName() == wanted)) {
             return window;
         }
     }
