@@ -21,7 +21,7 @@ QString absoluteOn(const QUrl& server, const QString& source)
 {
     const bool relative = !source.isEmpty() && !isAddress(source) &&
                           !QDir::isAbsolutePath(source) && !source.contains(':');
-    return relative ? server.resolved(QUrl(source)).toString() : source;
+    return relative ? sourceOf(server.resolved(QUrl(source))) : source;
 }
 
 void takeToServer(const QDomElement& root, const QUrl& server)

@@ -23,6 +23,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <utility>
 
 namespace Corvane::Viewer {
 
@@ -164,6 +165,14 @@ void Reloading::follow(MapWindow* added)
     connect(added->getView(), &Map::MapView::layerAdded, this, soon);
     connect(added->getView(), &Map::MapView::layerDeleted, this, soon);
     connect(added, &QObject::destroyed, this, soon);
+    connect(added, &QObject::destroyed, this, [this, added] { giveUp(added); });
+}
+
+/// The plugins end after the last map, and no layer may outlive its plugin.
+void Reloading::giveUp(const MapWindow* closed)
+{
+    const auto isOfMap = [closed](const auto& change) { return change->map == closed; };
+    changes.erase(std::remove_if(changes.begin(), changes.end(), isOfMap), changes.end());
 }
 
 void Reloading::watchFiles()
@@ -180,11 +189,22 @@ void Reloading::watchFiles()
     files->watch(sources);
 }
 
+/// One notice for all that have changed by now.
 void Reloading::offer(const QString& file)
 {
-    const auto bar = new NoticeBar(window, "changedNotice",
-                                   tr("%1 has changed.").arg(LayerOpener::nameOf(file)));
-    bar->offer("reloadChanged", tr("&Reload"), [this, file] { reloadFrom(file); });
+    if (!changedFiles.contains(file)) {
+        changedFiles << file;
+    }
+    const auto bar = new NoticeBar(
+        window, "changedNotice",
+        changedFiles.size() == 1 ? tr("%1 has changed.").arg(LayerOpener::nameOf(file))
+                                 : tr("%n files have changed.", nullptr, changedFiles.size()));
+    bar->offer("reloadChanged", tr("&Reload"), [this] {
+        for (const QString& changed : std::exchange(changedFiles, {})) {
+            reloadFrom(changed);
+        }
+    });
+    connect(bar, &NoticeBar::dismissed, this, [this] { changedFiles.clear(); });
 }
 
 void Reloading::reloadFrom(const QString& file)

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QStringList>
 
 #include <memory>
 #include <vector>
@@ -51,6 +52,7 @@ private:
     void reloadFrom(const QString& file);
     void onOpened(Map::Layer* layer, bool ok);
     void finish(std::unique_ptr<Change> change, bool ok);
+    void giveUp(const MapWindow* closed);
 
     Workspace* window; // the parent
     OpenFailures* failures;
@@ -61,6 +63,7 @@ private:
     QAction* reloadAction = nullptr;
     QAction* reloadAllAction = nullptr;
     std::vector<std::unique_ptr<Change>> changes; // whose new layer is opening
+    QStringList changedFiles;                     // that the notice is about
     bool watchesSoon = false;
 };
 

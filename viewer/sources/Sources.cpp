@@ -10,7 +10,12 @@ namespace Corvane::Viewer {
 
 QString sourceOf(const QUrl& url)
 {
-    return url.isLocalFile() ? url.toLocalFile() : url.toString();
+    if (url.isLocalFile()) {
+        return url.toLocalFile();
+    }
+    // as a server is asked; the braces are those of tile addresses
+    QString address = url.toString(QUrl::EncodeSpaces | QUrl::EncodeUnicode);
+    return address.replace("%7B", "{").replace("%7D", "}");
 }
 
 QString sourceOf(const QString& text)

@@ -2,6 +2,7 @@
 
 #include <viewer/opening/FileOpening.h>
 #include <viewer/opening/FolderContents.h>
+#include <viewer/maps/LateLayers.h>
 #include <viewer/maps/MapDocument.h>
 #include <viewer/maps/MapWindow.h>
 #include <viewer/frame/NoticeBar.h>
@@ -93,6 +94,8 @@ private slots:
     void aServersFileIsAskedForAnew();
     void tilesThatAreKeptAreAskedForAgain();
     void aFileThatChangesIsOfferedForReload();
+    void filesThatChangeAreOfferedTogether();
+    void aReloadEndsWithItsMap();
     void picturesOfTheDialogs();
 
 private:
@@ -399,14 +402,16 @@ void OpeningTest::aMapOfAServerIsOpened()
 {
     HttpTestServer server;
     writeImage("a.tif");
-    server.on("/maps/images/a.tif", HttpReply::data(contentOf(path("a.tif"))));
-    server.on("/maps/shore.cmap",
-              HttpReply::data("<mapcanvas><layers><layer class=\"Corvane::Map::GdalRasterLayer\">"
-                              "<datasource value=\"images/a.tif\"/></layer></layers></mapcanvas>"));
+    server.on("/maps/images/a%20b.tif", HttpReply::data(contentOf(path("a.tif"))));
+    server.on(
+        "/maps/shore.cmap",
+        HttpReply::data("<mapcanvas><layers><layer class=\"Corvane::Map::GdalRasterLayer\">"
+                        "<datasource value=\"images/a b.tif\"/></layer></layers></mapcanvas>"));
     window->open({server.url("/maps/shore.cmap?version=2")});
     QTRY_VERIFY(isOpen(map(), 1));
     QCOMPARE(map()->getName(), QString("shore.cmap"));
-    QCOMPARE(map()->getView()->getLayerAt(0)->getDataSource(), server.url("/maps/images/a.tif"));
+    QCOMPARE(map()->getView()->getLayerAt(0)->getDataSource(),
+             server.url("/maps/images/a%20b.tif"));
     QCOMPARE(map()->getDocument()->getFileName(), QString()); // it is saved elsewhere
     QVERIFY(!map()->getDocument()->isChanged());
 }
@@ -616,6 +621,54 @@ void OpeningTest::aFileThatChangesIsOfferedForReload()
     QCOMPARE(map()->getView()->getLayerAt(0)->property("Size").toSize(), QSize(64, 64));
     click("changedNotice", "reloadChanged");
     QTRY_COMPARE(map()->getView()->getLayerAt(0)->property("Size").toSize(), QSize(128, 128));
+}
+
+void OpeningTest::filesThatChangeAreOfferedTogether()
+{
+    action("actionOpenInMap")->trigger();
+    window->open({writeImage("a.tif", 64), writeImage("b.tif", 64)});
+    QTRY_VERIFY(isOpen(map(), 2));
+    const auto noticeText = [this] {
+        const auto* const notice = window->findChild<NoticeBar*>("changedNotice");
+        return notice ? notice->getText() : QString();
+    };
+    const auto bothAreNoticed = [this, noticeText] {
+        for (const char* name : {"a.tif", "b.tif"}) {
+            const QString fresh = writeImage("fresh.tif", 128);
+            QFile::remove(path(name));
+            QFile::rename(fresh, path(name));
+        }
+        QTest::qWait(600); // longer than a file has to be quiet
+        return noticeText() == "2 files have changed.";
+    };
+    QVERIFY2(QTest::qWaitFor(bothAreNoticed, 60000), qPrintable(noticeText()));
+    click("changedNotice", "reloadChanged");
+    for (int layer : {0, 1}) {
+        QTRY_COMPARE(map()->getView()->getLayerAt(layer)->property("Size").toSize(),
+                     QSize(128, 128));
+    }
+}
+
+/// The plugins end with the window, and no layer may outlive its plugin.
+void OpeningTest::aReloadEndsWithItsMap()
+{
+    HttpTestServer server;
+    writeImage("a.tif", 64);
+    const HttpReply image = HttpReply::data(contentOf(path("a.tif")));
+    server.on("/a.tif", image);
+    window->open({server.url("/a.tif")});
+    QTRY_VERIFY(isOpen(map(), 1));
+    const int asked = server.requestCount();
+    server.on("/a.tif", HttpReply(image).held());
+    action("actionReloadAll")->trigger();
+    QTRY_VERIFY(server.requestCount() > asked);
+    const auto* const fresh = window->findChild<Reloading*>()->findChild<LateLayers*>();
+    QVERIFY(fresh->areOpening());
+    const QPointer<MapWindow> closed = map();
+    closed->close();
+    QTRY_VERIFY(!closed);
+    QVERIFY(!fresh->areOpening());
+    server.release();
 }
 
 void OpeningTest::picturesOfTheDialogs()

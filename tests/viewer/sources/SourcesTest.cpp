@@ -29,6 +29,12 @@ void SourcesTest::urlsOfFilesArePaths()
     QMimeData data;
     data.setUrls({QUrl("file:///data/a%20b.tif"), QUrl("https://images.example/a.tif")});
     QCOMPARE(sourcesOf(&data), QStringList({"/data/a b.tif", "https://images.example/a.tif"}));
+
+    // a server is asked for what the address says, which has no blanks
+    data.setUrls({QUrl("https://images.example/S%C3%BCd%20see.tif?x=a%26b")});
+    QCOMPARE(sourcesOf(&data), QStringList("https://images.example/S%C3%BCd%20see.tif?x=a%26b"));
+    data.setUrls({QUrl("https://t.example/{z}/{x}/{y}.png")});
+    QCOMPARE(sourcesOf(&data), QStringList("https://t.example/{z}/{x}/{y}.png"));
 }
 
 void SourcesTest::textNamesSourcesOneOnALine_data()
