@@ -769,6 +769,10 @@ Ein Klick in die Karte tut dasselbe.</translation>
         <source>%1 (opening)</source>
         <translation>%1 (wird geöffnet)</translation>
     </message>
+    <message>
+        <source>Untitled</source>
+        <translation>Unbenannt</translation>
+    </message>
 </context>
 <context>
     <name>Corvane::Viewer::MeasurePanel</name>
@@ -1074,6 +1078,13 @@ Ein Klick in die Karte tut dasselbe.</translation>
     <message>
         <source>&amp;Reload</source>
         <translation>&amp;Neu laden</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n files have changed.</source>
+        <translation>
+            <numerusform>%n Datei hat sich geändert.</numerusform>
+            <numerusform>%n Dateien haben sich geändert.</numerusform>
+        </translation>
     </message>
 </context>
 <context>

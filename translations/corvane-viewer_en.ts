@@ -22,6 +22,16 @@
     </message>
 </context>
 <context>
+    <name>Corvane::Viewer::Reloading</name>
+    <message numerus="yes">
+        <source>%n files have changed.</source>
+        <translation>
+            <numerusform>%n file has changed.</numerusform>
+            <numerusform>%n files have changed.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>Corvane::Viewer::SessionKeeper</name>
     <message numerus="yes">
         <source>The program did not end in order. %n map(s) can be restored.</source>
