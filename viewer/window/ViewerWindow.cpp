@@ -305,6 +305,7 @@ void ViewerWindow::closeAllMaps()
 {
     if (mayCloseAll([this] { closeAllMaps(); })) {
         getMdiArea()->closeAllSubWindows();
+        saving->keepChanges(); // of a map that stays all the same
     }
 }
 
@@ -316,6 +317,7 @@ void ViewerWindow::closeEvent(QCloseEvent* event)
     }
     saveGuiPrefs();
     getMdiArea()->closeAllSubWindows();
+    saving->keepChanges();
     Workspace::closeEvent(event);
 }
 
