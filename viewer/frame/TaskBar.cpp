@@ -63,7 +63,7 @@ void TaskBar::renew()
     cancelButton->setAccessibleName(give);
     QStringList lines;
     for (const Task* task : all) {
-        lines << tr("%1: %2 %").arg(task->getTitle()).arg(task->getPercent());
+        lines << tr("%1: %2 %").arg(task->getTitle(), QString::number(task->getPercent()));
     }
     title->setToolTip(lines.join('\n'));
 }

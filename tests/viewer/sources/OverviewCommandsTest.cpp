@@ -56,6 +56,7 @@ private slots:
     void theOfferFollowsTheMap();
     void theTaskCanBeGivenUp();
     void closingAsksFirst();
+    void aMapThatStaysIsAskedAboutAgain();
     void aFailureIsToldOverTheMap();
     void tasksComeAndGo();
 
@@ -262,6 +263,26 @@ void OverviewCommandsTest::closingAsksFirst()
     }
 }
 
+void OverviewCommandsTest::aMapThatStaysIsAskedAboutAgain()
+{
+    MapWindow* const map = open(image("big.tif", QSize(6000, 6000)));
+    QVERIFY(map);
+    map->getView()->setDescription("another map");
+    QTRY_VERIFY_WITH_TIMEOUT(isOffered(), generous);
+    find<QPushButton>("buildOverviews")->click();
+    find<QAction>("actionCloseAll")->trigger();
+    find<QMessageBox>("saveQuestion")->button(QMessageBox::Discard)->click();
+    if (!find<QMessageBox>("overviewQuestion")) {
+        QSKIP("the overviews were faster than the dialog");
+    }
+    find<QPushButton>("keepBuilding")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(!find<QWidget>("taskBar")->isVisible(), generous);
+    QTRY_VERIFY(!find<QMessageBox>("saveQuestion"));
+    map->close();
+    QVERIFY(find<QMessageBox>("saveQuestion"));
+    QVERIFY(map->isVisible());
+}
+
 void OverviewCommandsTest::aFailureIsToldOverTheMap()
 {
     const QString file = image("big.tif");
@@ -288,19 +309,19 @@ void OverviewCommandsTest::tasksComeAndGo()
     QVERIFY(tasks);
     const QSignalSpy changed(tasks, &Tasks::changed);
     Task* const first = tasks->begin("one");
-    Task* const second = tasks->begin("two");
+    Task* const second = tasks->begin("two of 100%2");
     QCOMPARE(tasks->getTasks(), QList<Task*>({first, second}));
     QCOMPARE(find<QLabel>("taskTitle")->text(), QString("one (and 1 more)"));
     first->setPercent(40);
     first->setPercent(40); // nothing new
     QCOMPARE(find<QProgressBar>("taskProgress")->value(), 40);
-    QCOMPARE(find<QLabel>("taskTitle")->toolTip(), QString("one: 40 %\ntwo: 0 %"));
+    QCOMPARE(find<QLabel>("taskTitle")->toolTip(), QString("one: 40 %\ntwo of 100%2: 0 %"));
     const QSignalSpy cancelled(first, &Task::cancelled);
     find<QToolButton>("taskCancel")->click();
     QCOMPARE(cancelled.size(), 1);
     first->end();
     first->end();
-    QCOMPARE(find<QLabel>("taskTitle")->text(), QString("two"));
+    QCOMPARE(find<QLabel>("taskTitle")->text(), QString("two of 100%2"));
     second->end();
     QVERIFY(!find<QWidget>("taskBar")->isVisible());
     QCOMPARE(changed.size(), 5);
