@@ -4,6 +4,7 @@
 #include <viewer/maps/LayerOpener.h>
 #include <viewer/maps/MapDocumentLoader.h>
 #include <viewer/maps/MapDocumentReader.h>
+#include <viewer/maps/Secrets.h>
 
 #include <corvane/map/Layer.h>
 #include <corvane/map/MapView.h>
@@ -114,15 +115,16 @@ bool BatchLayers::report() const
 {
     bool allOpened = true;
     for (const auto& source : sources) {
+        const QString name = withoutSecrets(source->name);
         if (!source->isFinished()) {
-            printError(QString("not open in time: %1").arg(source->name));
+            printError(QString("not open in time: %1").arg(name));
         } else if (!source->reason().isEmpty()) {
-            printError(QString("cannot open %1: %2").arg(source->name, source->reason()));
+            printError(QString("cannot open %1: %2").arg(name, withoutSecrets(source->reason())));
             allOpened = false;
         }
         const QStringList problems = source->loader ? source->loader->getProblems() : QStringList();
         for (const QString& problem : problems) {
-            printError(QString("%1: %2").arg(source->name, problem));
+            printError(QString("%1: %2").arg(name, problem));
             allOpened = false;
         }
     }

@@ -433,6 +433,11 @@ void ViewerProgramTest::sourcesThatFailEndWithTwo_data()
         << QStringList{path("missing.tif"), good} << path("missing.tif") << true;
     QTest::newRow("a server that is not there")
         << QStringList{"http://127.0.0.1:9/a.tif", good} << "http://127.0.0.1:9/a.tif" << true;
+    QTest::newRow("an image behind a password")
+        << QStringList{"zwtp://127.0.0.1:9/a.ecw|me|hush", good} << "zwtp://127.0.0.1:9/a.ecw"
+        << true;
+    QTest::newRow("a signed address") << QStringList{"http://127.0.0.1:9/a.tif?sig=hush", good}
+                                      << "http://127.0.0.1:9/a.tif?sig=" << true;
 }
 
 void ViewerProgramTest::sourcesThatFailEndWithTwo()
@@ -446,6 +451,7 @@ void ViewerProgramTest::sourcesThatFailEndWithTwo()
     QVERIFY2(run.exitCode == 2, run.errors);
     const QString first = "corvane-viewer: cannot open " + named + ": ";
     QVERIFY2(run.errors.contains(first.toUtf8()), run.errors);
+    QVERIFY2(!run.errors.contains("hush"), run.errors);
     QTEST(QFile::exists(picture), "written");
     if (QFile::exists(picture)) {
         QCOMPARE(QImage(picture).convertToFormat(QImage::Format_RGB32),
