@@ -24,6 +24,8 @@ struct FormTexts
 };
 
 constexpr const char* context = "CoordinateForm";
+constexpr double shortNumber = 1e12;
+constexpr int significantDigits = 7; // of a longer one
 
 const FormTexts texts[] = {
     {CoordinateForm::Map, "map", QT_TRANSLATE_NOOP("CoordinateForm", "&East, North of the Map"),
@@ -59,12 +61,20 @@ double unitsPerPixel(Map::MapView& view)
     return std::abs(view.getBounds().width()) / view.width();
 }
 
+/// With this many decimals, as long as there is room for all digits.
+QString numberText(double number, int decimals)
+{
+    const bool isShort = std::abs(number) < shortNumber;
+    return isShort ? QString::number(number, 'f', decimals)
+                   : QString::number(number, 'g', significantDigits);
+}
+
 QString mapText(const MapUnits& units, const QPointF& world, double resolution)
 {
     const int digits = digitsFor(resolution);
     const QString text = units.kind == MapUnits::Degrees ? QStringLiteral("X: %1°  Y: %2°")
                                                          : QStringLiteral("X: %1  Y: %2");
-    return text.arg(world.x(), 0, 'f', digits).arg(world.y(), 0, 'f', digits);
+    return text.arg(numberText(world.x(), digits), numberText(world.y(), digits));
 }
 
 QString cellText(Map::MapView& view, const QPointF& world)

@@ -17,6 +17,7 @@ class CoordinateFormTest : public QObject
 private slots:
     void mapCoordinatesHaveTheDigitsOfAPixel_data();
     void mapCoordinatesHaveTheDigitsOfAPixel();
+    void numbersBeyondTheWorldStayShort();
     void anglesCarry_data();
     void anglesCarry();
     void eachFormHasItsText_data();
@@ -72,6 +73,16 @@ void CoordinateFormTest::mapCoordinatesHaveTheDigitsOfAPixel()
     QCOMPARE(digitsFor(1e-30), 10);
     QCOMPARE(digitsFor(0.0), 0);
     QCOMPARE(digitsFor(qInf()), 0);
+}
+
+/// A file may say that its cells are anywhere; the window would grow with its status bar.
+void CoordinateFormTest::numbersBeyondTheWorldStayShort()
+{
+    const std::unique_ptr<Map::MapView> view(show("", QRectF(0.0, 4e200, 4e200, -4e200), this));
+    QCOMPARE(coordinateText(CoordinateForm::Map, *view, QPointF(1.25e200, -3e15)),
+             QString("X: 1.25e+200  Y: -3e+15"));
+    QCOMPARE(coordinateText(CoordinateForm::Map, *view, QPointF(-999999999999.0, 0.0)),
+             QString("X: -999999999999  Y: 0"));
 }
 
 void CoordinateFormTest::anglesCarry_data()
