@@ -103,6 +103,11 @@ bool MapDocument::isLoading() const
     return loader && !loader->isLoaded();
 }
 
+bool MapDocument::isTakingIn() const
+{
+    return loader && loader->isTakingIn();
+}
+
 QString MapDocument::getLoadingName() const
 {
     return isLoading() ? loader->getFileName() : QString();

@@ -49,6 +49,8 @@ public:
     MapDocumentLoader* restore(const QString& keptFile, const KeptMap& map);
     /// Whether a document is being read.
     bool isLoading() const;
+    /// Whether the layer that is being added is one of the document that is being read.
+    bool isTakingIn() const;
     /// The file that is being read; empty for none.
     QString getLoadingName() const;
     /// Between the two a layer gives its place to one that shows the same: no change of the map.

@@ -206,7 +206,9 @@ void MapDocumentLoader::loadLayer(const QDomElement& element)
 
 void MapDocumentLoader::takeIn(Map::Layer* layer)
 {
+    takingIn = true;
     view->addLayer(layer);
+    takingIn = false;
     if (view->getNumberOfLayers() == 1) { // which shows itself whole
         show();
     }
@@ -270,6 +272,11 @@ bool MapDocumentLoader::isFinished() const
 bool MapDocumentLoader::isLoaded() const
 {
     return ended;
+}
+
+bool MapDocumentLoader::isTakingIn() const
+{
+    return takingIn;
 }
 
 QString MapDocumentLoader::getReason() const

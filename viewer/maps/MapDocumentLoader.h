@@ -40,6 +40,8 @@ public:
     bool isLoaded() const;
     /// The same, and none of the layers is opening.
     bool isFinished() const;
+    /// Whether a layer of the document is being put into the view right now.
+    bool isTakingIn() const;
     /// Why the document could not be read; empty otherwise.
     QString getReason() const;
     /// What went wrong with single layers, a line each; also of those that wait for their servers.
@@ -85,6 +87,7 @@ private:
     QRectF extent;
     int missingCount = 0;
     bool hasWaited = false; // a layer did not get an answer
+    bool takingIn = false;  // a layer
     bool ended = false;     // all of it is in the view, or was refused
 };
 

@@ -1,5 +1,6 @@
 #include <viewer/maps/MapWindow.h>
 
+#include <viewer/maps/LateLayers.h>
 #include <viewer/maps/LayerOpener.h>
 #include <viewer/maps/MapDocument.h>
 #include <viewer/maps/MapDocumentLoader.h>
@@ -23,7 +24,8 @@ MapWindow::MapWindow(QWidget* parent)
     : QMdiSubWindow(parent),
       view(new Map::MapView(this)),
       tracker(new PointerTracker(view)),
-      document(new MapDocument(view, this))
+      document(new MapDocument(view, this)),
+      late(new LateLayers(this))
 {
     setObjectName("mapWindow");
     setAttribute(Qt::WA_DeleteOnClose);
@@ -36,6 +38,12 @@ MapWindow::MapWindow(QWidget* parent)
     connect(document, &MapDocument::changed, this, &MapWindow::updateTitle);
     connect(document, &MapDocument::saved, this, &MapWindow::onDocumentSaved);
     connect(view, &Map::MapView::layerAdded, this, &MapWindow::stayOpen);
+    connect(view, &Map::MapView::layerAdded, this, &MapWindow::onLayerAdded);
+    connect(late, &LateLayers::ended, this, [this](Map::Layer* layer, bool ok) {
+        if (!ok) {
+            tellFailureOf(layer);
+        }
+    });
     // queued: while the signal runs half a view is left, which nobody may reach through this window
     connect(view, &QObject::destroyed, this, &MapWindow::onViewDestroyed, Qt::QueuedConnection);
     updateTitle();
@@ -210,6 +218,23 @@ void MapWindow::onOpened(LayerOpener* opener, int number, bool ok)
     emit openFailed(opener->getSource(), opener->getReason());
     emit refused(opener->getSource());
     closeIfInVain(opener->getSource());
+}
+
+/// A plugin's command or a drop into the tree adds layers that nobody waits for. Those of a document
+/// are told of by its loader.
+void MapWindow::onLayerAdded(Map::Layer* layer)
+{
+    if (!document->isTakingIn() && !layer->isValid() && !late->follow(layer)) {
+        tellFailureOf(layer);
+    }
+}
+
+void MapWindow::tellFailureOf(Map::Layer* layer)
+{
+    if (!layer->getLastError().isEmpty()) {
+        emit openFailed(LayerOpener::withoutCredentials(layer->getDataSource()),
+                        layer->getLastError());
+    }
 }
 
 void MapWindow::updateTitle()

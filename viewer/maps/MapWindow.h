@@ -14,6 +14,7 @@ class MapView;
 
 namespace Corvane::Viewer {
 
+class LateLayers;
 class LayerOpener;
 class MapDocument;
 class MapDocumentLoader;
@@ -70,7 +71,9 @@ signals:
     void layerOpened(MapWindow* window);
     /// The view fills the screen now, or is back.
     void mapFullScreenChanged(bool full);
-    /// Nothing came of a source; a window that never had a layer closes by itself after this.
+    /// Nothing came of a source: of one to be opened, of a layer of a document, or of a layer that was
+    /// added in another way, which stays in the map. A window that never had a layer closes by itself
+    /// after this.
     void openFailed(const QString& source, const QString& reason);
     /// The same, but not where only a layer of a document is missing.
     void refused(const QString& source);
@@ -88,13 +91,16 @@ private:
     void onDocumentSaved(bool ok, const QString& fileName);
     void closeIfInVain(const QString& source);
     void updateTitle();
+    void onLayerAdded(Map::Layer* layer);
+    void tellFailureOf(Map::Layer* layer);
     void onViewDestroyed();
 
     QPointer<Map::MapView> view;
     QPointer<PointerTracker> tracker;
     MapDocument* document;
-    std::function<bool()> closeGuard; // empty for none
-    QString name;                     // empty for none
+    LateLayers* late;                             // among those that others have added
+    std::function<bool()> closeGuard;             // empty for none
+    QString name;                                 // empty for none
     int openCount = 0;                            // sources that are being opened
     int openedCount = 0;                          // sources that were to be opened
     QMap<int, QPointer<Map::Layer>> openedLayers; // by the number of their source
