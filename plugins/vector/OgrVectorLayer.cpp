@@ -93,9 +93,6 @@ bool OgrVectorLayer::setDataSource(QString newSource)
     if (description.isEmpty()) {
         description = QFileInfo(dataSource).fileName();
     }
-    if (isPlainFile(dataSource) && !QFileInfo::exists(dataSource)) {
-        return fail(tr("the file does not exist"));
-    }
     if (ServerSource::isForTiles(dataSource)) {
         lastError = tr("this is the address of tiles");
         return false; // without a word: it is for another plugin
@@ -111,7 +108,9 @@ void OgrVectorLayer::openSource(bool tells)
 {
     opening = std::make_shared<PoolJob<VectorSource>>(
         [source = dataSource, name = layerName](QString* error, const std::atomic<bool>&) {
-            return VectorSource::open(source, name, error);
+            const bool isMissing = isPlainFile(source) && !QFileInfo::exists(source);
+            *error = isMissing ? tr("the file does not exist") : QString();
+            return isMissing ? nullptr : VectorSource::open(source, name, error);
         },
         [this] { QMetaObject::invokeMethod(this, "takeOpened", Qt::QueuedConnection); });
     if (tells) {

@@ -217,7 +217,7 @@ bool WebTileLayer::readXML(QDomNode& theNode, QDir& baseDir, QString* pErrorMess
     QDomNode node = theNode.cloneNode();
     QDomElement element = node.lastChildElement(QStringLiteral("datasource"));
     const QString name = element.attribute(QStringLiteral("value"));
-    if (isPreset(name) && !baseDir.exists(name)) {
+    if (isPreset(name) && QDir::isRelativePath(name) && !baseDir.exists(name)) {
         element.setAttribute(QStringLiteral("value"),
                              QDir::cleanPath(baseDir.absoluteFilePath(name)));
     }

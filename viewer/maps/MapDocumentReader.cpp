@@ -1,10 +1,12 @@
 #include <viewer/maps/MapDocumentReader.h>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QDomDocument>
 #include <QDomElement>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QUrl>
 #include <QXmlStreamReader>
 
@@ -132,6 +134,39 @@ private:
     int elements = 0;
 };
 
+/// The source as a layer of a document in the folder finds it. One that is missing gets the name that
+/// it would have; what only a plugin understands stays.
+QString lookedUp(const QString& source, const QDir& folder)
+{
+    static const QRegularExpression address("^[A-Za-z][A-Za-z0-9+.-]*://");
+    static const QRegularExpression forPlugins("^(<|[A-Za-z0-9_]{2,}:)");
+    if (source.isEmpty() || QDir::isAbsolutePath(source) || address.match(source).hasMatch()) {
+        return source;
+    }
+    const QString found = QFileInfo(folder, source).canonicalFilePath();
+    if (!found.isEmpty() || forPlugins.match(source).hasMatch()) {
+        return found.isEmpty() ? source : found;
+    }
+    return QDir::cleanPath(folder.absoluteFilePath(source));
+}
+
+void lookUpSources(QDomDocument& document, const QDir& folder)
+{
+    const QDomElement root = document.documentElement();
+    for (QDomElement stack = root.firstChildElement("layers"); !stack.isNull();
+         stack = stack.nextSiblingElement("layers"))
+    {
+        for (QDomElement layer = stack.firstChildElement("layer"); !layer.isNull();
+             layer = layer.nextSiblingElement("layer"))
+        {
+            QDomElement source = layer.lastChildElement("datasource"); // which counts
+            if (source.hasAttribute("value")) {
+                source.setAttribute("value", lookedUp(source.attribute("value"), folder));
+            }
+        }
+    }
+}
+
 } // namespace
 
 bool mayBeMapDocument(const QString& source)
@@ -184,7 +219,11 @@ MapReading readMapDocument(const QString& fileName, QDomDocument* document, QStr
                       .arg(largestFile / 1024 / 1024);
         return MapReading::Refused;
     }
-    return parseMapDocument(text, document, reason);
+    const MapReading result = parseMapDocument(text, document, reason);
+    if (result == MapReading::Read) {
+        lookUpSources(*document, QFileInfo(fileName).absoluteDir());
+    }
+    return result;
 }
 
 } // namespace Corvane::Viewer

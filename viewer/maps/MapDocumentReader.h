@@ -19,7 +19,9 @@ enum class MapReading
     Refused   ///< not readable, broken, or made to exhaust the program
 };
 
-/// Reads a file of any origin. reason says why it was refused. Any thread; slow where the file is.
+/// Reads a file of any origin. reason says why it was refused. Sources that are relative files are
+/// absolute in the document: their disks are asked here, and not by the layers on the GUI thread. Any
+/// thread; slow where the file is, or what it names.
 MapReading readMapDocument(const QString& fileName, QDomDocument* document, QString* reason);
 
 /// The same for text that is in memory. Nesting, size and attributes are bounded, and entities are

@@ -4,6 +4,7 @@
 #include <QDomElement>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTextCodec>
 #include <QtTest>
@@ -84,6 +85,8 @@ private slots:
     void attributesHaveALimit();
     void elementsHaveALimit();
     void aFileIsRead();
+    void sourcesThatAreRelativeFilesGetTheirWholeNames_data();
+    void sourcesThatAreRelativeFilesGetTheirWholeNames();
     void filesThatCannotBeReadAreRefused_data();
     void filesThatCannotBeReadAreRefused();
     void aFileHasALimit();
@@ -313,6 +316,49 @@ void MapDocumentReaderTest::aFileIsRead()
     QString reason;
     QCOMPARE(readMapDocument(file.fileName(), &document, &reason), MapReading::Read);
     QCOMPARE(document.documentElement().tagName(), QString("mapcanvas"));
+}
+
+void MapDocumentReaderTest::sourcesThatAreRelativeFilesGetTheirWholeNames_data()
+{
+    QTest::addColumn<QString>("named");
+    QTest::addColumn<QString>("source");
+    const QString here = QFileInfo(folder.path()).canonicalFilePath();
+    QTest::newRow("a file beside the document") << "here.tif" << here + "/here.tif";
+    QTest::newRow("a link") << "link.tif" << here + "/here.tif";
+    QTest::newRow("by way of a folder")
+        << "../" + QFileInfo(here).fileName() + "/./here.tif" << here + "/here.tif";
+    QTest::newRow("one that is missing") << "no/../gone.tif" << here + "/gone.tif";
+    QTest::newRow("an absolute one") << "/x/../gone.tif"
+                                     << "/x/../gone.tif";
+    QTest::newRow("an address") << "zwtp://e.org/a.tif"
+                                << "zwtp://e.org/a.tif";
+    QTest::newRow("a part of a file") << "NETCDF:a.nc:b"
+                                      << "NETCDF:a.nc:b";
+    QTest::newRow("a description") << "<VRTDataset/>"
+                                   << "<VRTDataset/>";
+    QTest::newRow("none") << ""
+                          << "";
+}
+
+void MapDocumentReaderTest::sourcesThatAreRelativeFilesGetTheirWholeNames()
+{
+    QFETCH(QString, named);
+    QFETCH(QString, source);
+    QFile here(folder.filePath("here.tif"));
+    QVERIFY(here.open(QIODevice::WriteOnly));
+    QFile::link("here.tif", folder.filePath("link.tif"));
+    QFile file(folder.filePath("relative.cmap"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(("<mapcanvas><layers><layer class=\"A\"><datasource value=\"gone.tif\"/>"
+                "<datasource value=\"" +
+                named.toHtmlEscaped() + "\"/></layer></layers></mapcanvas>")
+                   .toUtf8());
+    file.close();
+    QDomDocument document;
+    QString reason;
+    QCOMPARE(readMapDocument(file.fileName(), &document, &reason), MapReading::Read);
+    const QDomNodeList sources = document.elementsByTagName("datasource");
+    QCOMPARE(sources.at(1).toElement().attribute("value"), source);
 }
 
 void MapDocumentReaderTest::filesThatCannotBeReadAreRefused_data()
