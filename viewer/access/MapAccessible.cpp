@@ -38,12 +38,7 @@ void makeMapsAccessible()
 
 void setAccessibleValue(QWidget* view, const QString& value)
 {
-    if (view->property(valueProperty).toString() == value) {
-        return;
-    }
     view->setProperty(valueProperty, value);
-    QAccessibleValueChangeEvent event(view, value);
-    QAccessible::updateAccessibility(&event);
 }
 
 } // namespace Corvane::Viewer

@@ -78,8 +78,8 @@ void MapAnnouncer::tell()
     }
     sentences << (reference.isEmpty() ? tr("No spatial reference.")
                                       : tr("Spatial reference %1.").arg(reference));
+    situation = sentences.join(' ');
     view->setAccessibleName(tr("Map %1").arg(window->getName()));
-    view->setAccessibleDescription(sentences.join(' '));
     askForValue(world);
 }
 
@@ -113,13 +113,14 @@ void MapAnnouncer::askForValue(const QPointF& world)
     if (!raster || !LatestCells::canAsk(raster)) {
         cells.reset();
         askedLayer = nullptr;
-        setValue(QString());
+        describe(QString());
         return;
     }
     if (raster != askedLayer) {
         askedLayer = raster;
         cells = std::make_unique<LatestCells>(raster, nullptr);
         connect(cells.get(), &LatestCells::answered, this, &MapAnnouncer::onValue);
+        connect(cells.get(), &LatestCells::waiting, this, [this] { describe(QString()); });
     }
     Map::CellRequest::Window wanted;
     wanted.world = world;
@@ -129,7 +130,7 @@ void MapAnnouncer::askForValue(const QPointF& world)
 void MapAnnouncer::onValue(const Map::CellReading& reading)
 {
     if (reading.state != Map::CellReading::State::Read) {
-        setValue(reading.state == Map::CellReading::State::Outside ? tr("outside of the image")
+        describe(reading.state == Map::CellReading::State::Outside ? tr("outside of the image")
                                                                    : reading.failure);
         return;
     }
@@ -140,14 +141,20 @@ void MapAnnouncer::onValue(const Map::CellReading& reading)
             values << bandText(one.name, band + 1) + ' ' + cellText(one.values.first());
         }
     }
-    setValue(
+    describe(
         tr("Column %1, row %2: %3").arg(reading.column).arg(reading.row).arg(values.join(", ")));
 }
 
-void MapAnnouncer::setValue(const QString& text)
+/// The value comes first and with the rest in one change, for a reader says all of it.
+void MapAnnouncer::describe(const QString& value)
 {
-    if (view) {
-        setAccessibleValue(view, text);
+    if (!view) {
+        return;
+    }
+    setAccessibleValue(view, value);
+    const QString text = value.isEmpty() ? situation : value + ". " + situation;
+    if (text != view->accessibleDescription()) { // a reader would say it again
+        view->setAccessibleDescription(text);
     }
 }
 

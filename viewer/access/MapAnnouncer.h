@@ -21,8 +21,8 @@ class LatestCells;
 class MapWindow;
 
 /// Says in words what the active map shows, for screen readers: the view's accessible name is that of
-/// the map, its description tells position, scale and reference, its value that of the cells under the
-/// keyboard cursor. GUI thread only.
+/// the map, its value that of the cells under the keyboard cursor, its description tells this value,
+/// position, scale and reference. GUI thread only.
 class MapAnnouncer : public QObject
 {
     Q_OBJECT
@@ -41,13 +41,14 @@ private:
     QString positionText(const QPointF& world) const;
     void askForValue(const QPointF& world);
     void onValue(const Map::CellReading& reading);
-    void setValue(const QString& text);
+    void describe(const QString& value);
 
     KeyboardCursor* cursor; // not owned
     QPointer<MapWindow> window;
     QPointer<Map::MapView> view;
     QPointer<Map::Layer> askedLayer;
     std::unique_ptr<LatestCells> cells; // of that layer
+    QString situation;                  // position, scale and reference
     QTimer pause;                       // nobody listens to every step of a drag
 };
 
