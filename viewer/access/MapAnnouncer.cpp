@@ -79,7 +79,10 @@ void MapAnnouncer::tell()
     sentences << (reference.isEmpty() ? tr("No spatial reference.")
                                       : tr("Spatial reference %1.").arg(reference));
     situation = sentences.join(' ');
-    view->setAccessibleName(tr("Map %1").arg(window->getName()));
+    const QString name = tr("Map %1").arg(window->getName());
+    if (name != view->accessibleName()) { // a reader would say it again
+        view->setAccessibleName(name);
+    }
     askForValue(world);
 }
 
@@ -153,7 +156,7 @@ void MapAnnouncer::describe(const QString& value)
     }
     setAccessibleValue(view, value);
     const QString text = value.isEmpty() ? situation : value + ". " + situation;
-    if (text != view->accessibleDescription()) { // a reader would say it again
+    if (text != view->accessibleDescription()) {
         view->setAccessibleDescription(text);
     }
 }
