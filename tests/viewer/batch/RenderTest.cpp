@@ -2,6 +2,7 @@
 #include <tests/viewer/support/TestImages.h>
 #include <tests/viewer/support/ViewerRun.h>
 
+#include <tests/support/FileContent.h>
 #include <tests/support/PdfPixels.h>
 #include <viewer/batch/InfoText.h>
 
@@ -18,12 +19,6 @@
 #include <unistd.h>
 
 namespace {
-
-QByteArray contentOf(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /// The two ends of a terminal.
 class Terminal

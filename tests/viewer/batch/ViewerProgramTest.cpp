@@ -2,6 +2,7 @@
 #include <tests/viewer/support/TestImages.h>
 #include <tests/viewer/support/ViewerRun.h>
 
+#include <tests/support/FileContent.h>
 #include <tests/support/PdfPixels.h>
 
 #include <corvane/map/ViewManager.h>
@@ -68,12 +69,6 @@ std::array<double, 4> worldOf(const TestImages::Layout& layout, const QRect& cel
             layout.origin.y() - cells.y() * layout.cell,
             layout.origin.x() + (cells.x() + cells.width()) * layout.cell,
             layout.origin.y() - (cells.y() + cells.height()) * layout.cell};
-}
-
-QByteArray contentOf(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include <viewer/maps/MapDocumentReader.h>
 #include <viewer/maps/MapDocumentWriter.h>
+#include <tests/support/FileContent.h>
 
 #include <QDir>
 #include <QDomDocument>
@@ -36,12 +37,6 @@ QDomDocument smallMap(const QString& text)
     root.appendChild(description);
     root.appendChild(document.createElement("layers"));
     return document;
-}
-
-QByteArray contentOf(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 /// While it lives, no file of this process grows beyond the limit, as on a disk that is full.

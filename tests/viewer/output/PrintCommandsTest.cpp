@@ -1,6 +1,7 @@
 #include <tests/viewer/support/StallingServer.h>
 #include <tests/viewer/support/TestImages.h>
 
+#include <tests/support/FileContent.h>
 #include <tests/support/PdfPixels.h>
 #include <tests/support/PrinterQueue.h>
 
@@ -40,12 +41,6 @@ using namespace Corvane::Viewer;
 namespace {
 
 constexpr std::chrono::milliseconds hardlyAnything(1);
-
-QByteArray contentOf(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /// The part of a page that is not white, without the frame.
 QRect inkOf(const QImage& page)

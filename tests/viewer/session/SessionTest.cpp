@@ -15,6 +15,7 @@
 #include <corvane/map/Layer.h>
 #include <corvane/map/MapView.h>
 #include <tests/support/EachInItsProcess.h>
+#include <tests/support/FileContent.h>
 
 #include <QDir>
 #include <QDirIterator>
@@ -33,12 +34,6 @@ using namespace Corvane;
 using namespace Corvane::Viewer;
 
 namespace {
-
-QByteArray contentOf(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 bool write(const QString& fileName, const QByteArray& text)
 {
