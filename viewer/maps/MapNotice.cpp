@@ -4,20 +4,26 @@
 
 #include <corvane/map/MapView.h>
 
+#include <QBoxLayout>
 #include <QEvent>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 
 namespace Corvane::Viewer {
+namespace {
+
+constexpr int leastTextLetters = 40; // that a text has to itself beside buttons
+
+} // namespace
 
 MapNotice::MapNotice(MapWindow* mapWindow, const QString& text)
     : QFrame(mapWindow),
       window(mapWindow),
       label(new QLabel(text, this)),
-      row(new QHBoxLayout(this))
+      layout(new QBoxLayout(QBoxLayout::LeftToRight, this)),
+      buttons(new QBoxLayout(QBoxLayout::LeftToRight))
 {
     setObjectName("mapNotice");
     setFrameShape(QFrame::StyledPanel);
@@ -28,8 +34,9 @@ MapNotice::MapNotice(MapWindow* mapWindow, const QString& text)
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setForegroundRole(QPalette::ToolTipText);
-    row->setContentsMargins(10, 4, 10, 4);
-    row->addWidget(label, 1);
+    layout->setContentsMargins(10, 4, 10, 4);
+    layout->addWidget(label, 1);
+    layout->addLayout(buttons);
     window->getView()->installEventFilter(this);
     place();
     show();
@@ -40,7 +47,7 @@ QPushButton* MapNotice::addButton(const QString& name, const QString& text)
     auto* const button = new QPushButton(text, this);
     button->setObjectName(name);
     button->setAutoDefault(false);
-    row->addWidget(button);
+    buttons->addWidget(button);
     place();
     return button;
 }
@@ -51,6 +58,16 @@ QMenu* MapNotice::addMenu(const QString& name, const QString& text)
     auto* const menu = new QMenu(button);
     button->setMenu(menu);
     return menu;
+}
+
+// Buttons are shown, and count, only after they were added.
+bool MapNotice::event(QEvent* event)
+{
+    const bool done = QFrame::event(event);
+    if (event->type() == QEvent::LayoutRequest) {
+        place();
+    }
+    return done;
 }
 
 void MapNotice::addCloseButton(const QString& text)
@@ -75,9 +92,32 @@ void MapNotice::place()
         return;
     }
     const QRect map = view->geometry();
+    arrange(map.width());
     const int height = hasHeightForWidth() ? heightForWidth(map.width()) : sizeHint().height();
     setGeometry(map.left(), map.top(), map.width(), qMin(height, map.height()));
     raise();
+}
+
+// Directions are set once they are known: each change of one asks for a new layout.
+void MapNotice::arrange(int width)
+{
+    const QMargins margins = layout->contentsMargins();
+    const int room = width - margins.left() - margins.right() - 2 * frameWidth();
+    const int text = leastTextLetters * label->fontMetrics().averageCharWidth();
+    const int row = buttonsWidth();
+    layout->setDirection(text + layout->spacing() + row <= room ? QBoxLayout::LeftToRight
+                                                                : QBoxLayout::TopToBottom);
+    buttons->setDirection(row <= room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+}
+
+int MapNotice::buttonsWidth() const
+{
+    int width = 0;
+    for (int i = 0; i < buttons->count(); ++i) {
+        const int before = i > 0 ? layout->spacing() : 0;
+        width += before + buttons->itemAt(i)->widget()->sizeHint().width();
+    }
+    return width;
 }
 
 void MapNotice::keyPressEvent(QKeyEvent* event)

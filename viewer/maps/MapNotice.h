@@ -3,7 +3,7 @@
 #include <QFrame>
 #include <QPointer>
 
-class QHBoxLayout;
+class QBoxLayout;
 class QLabel;
 class QMenu;
 class QPushButton;
@@ -14,7 +14,8 @@ class MapWindow;
 
 /// A bar over the top of a map that offers something without stopping the user. It is no part of the
 /// map's picture, and is not seen while the map fills the screen. Goes with its window, or when it has
-/// been answered. GUI thread only.
+/// been answered. Where a row is too narrow for the text and its buttons, they stand one above the
+/// other. GUI thread only.
 class MapNotice : public QFrame
 {
     Q_OBJECT
@@ -34,16 +35,20 @@ signals:
     void dismissed();
 
 protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void place();
+    void arrange(int width);
+    int buttonsWidth() const;
     void dismiss();
 
     QPointer<MapWindow> window;
     QLabel* label;
-    QHBoxLayout* row;
+    QBoxLayout* layout;  // of the text and the buttons
+    QBoxLayout* buttons; // of the buttons among themselves
 };
 
 } // namespace Corvane::Viewer
