@@ -896,6 +896,25 @@ Ein Klick in die Karte tut dasselbe.</translation>
         <source>This could not be opened:</source>
         <translation>Dies konnte nicht geöffnet werden:</translation>
     </message>
+    <message>
+        <source>These could not be opened:</source>
+        <translation>Diese konnten nicht geöffnet werden:</translation>
+    </message>
+</context>
+<context>
+    <name>Corvane::Viewer::OpenHint</name>
+    <message>
+        <source>Drop images, folders or maps here,
+or choose Open in the menu File.</source>
+        <translation>Bilder, Ordner oder Karten hier ablegen
+oder im Menü Datei Öffnen wählen.</translation>
+    </message>
+    <message>
+        <source>Drop images, folders or maps here,
+or press %1 to open some.</source>
+        <translation>Bilder, Ordner oder Karten hier ablegen
+oder mit %1 öffnen.</translation>
+    </message>
 </context>
 <context>
     <name>Corvane::Viewer::OverviewCommands</name>

@@ -10,13 +10,20 @@ namespace {
 constexpr int gatheringMilliseconds = 150;
 constexpr int mostLines = 20;
 
+// GDAL begins many of its reasons with the name that stands before them here.
+QString withoutName(const QString& source, const QString& reason)
+{
+    const QString name = QString("`%1' ").arg(source);
+    return reason.startsWith(name) ? reason.mid(name.size()) : reason;
+}
+
 } // namespace
 
 OpenFailures::OpenFailures(QWidget* parent) : QObject(parent), window(parent) {}
 
 void OpenFailures::add(const QString& source, const QString& reason)
 {
-    lines << QString("%1: %2").arg(source, reason);
+    lines << QString("%1: %2").arg(source, withoutName(source, reason));
     if (!isGathering) {
         isGathering = true;
         QTimer::singleShot(gatheringMilliseconds, this, &OpenFailures::showBox);
@@ -43,7 +50,8 @@ void OpenFailures::showBox()
     if (lines.size() > mostLines) {
         shown << tr("and %n more", nullptr, lines.size() - mostLines);
     }
-    box->setText(tr("This could not be opened:"));
+    box->setText(lines.size() == 1 ? tr("This could not be opened:")
+                                   : tr("These could not be opened:"));
     box->setInformativeText(shown.join('\n'));
     box->open();
 }

@@ -8,6 +8,7 @@
 #include <viewer/frame/CommandPlaces.h>
 #include <viewer/frame/Commands.h>
 #include <viewer/frame/Folders.h>
+#include <viewer/frame/OpenHint.h>
 #include <viewer/frame/Panels.h>
 #include <viewer/frame/TaskBar.h>
 #include <viewer/frame/Tasks.h>
@@ -94,6 +95,7 @@ ViewerWindow::ViewerWindow(QWidget* parent)
     createFeatures();
     placeCommands();
     preferences->takeKeys();
+    new OpenHint(getMdiArea(), findChild<QAction*>("actionOpen"));
     connect(getMdiArea(), &QMdiArea::subWindowActivated, this, &ViewerWindow::onSubWindowActivated);
     connect(recent, &RecentFiles::chosen, this, [this](const QString& source) { open({source}); });
     connect(saving, &MapSaving::saved, recent, &RecentFiles::add);

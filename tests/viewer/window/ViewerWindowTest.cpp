@@ -17,6 +17,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QLabel>
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
@@ -46,6 +47,7 @@ private slots:
     void aPluginsActionAddsToAMapThatIsMadeForIt();
     void aDropOntoAMapAddsALayer();
     void aDropOntoTheEmptyAreaOpensAWindow();
+    void theEmptyAreaSaysHowToOpenUntilAMapIsThere();
     void aDropWithShiftAddsToTheActiveMap();
     void filesThatFailAreListedInOneBox();
     void aSlowSourceLeavesTheWindowAlive();
@@ -186,6 +188,16 @@ void ViewerWindowTest::aDropWithShiftAddsToTheActiveMap()
     QTRY_COMPARE(mapWindows().size(), 2);
 }
 
+void ViewerWindowTest::theEmptyAreaSaysHowToOpenUntilAMapIsThere()
+{
+    const auto* const hint = window->findChild<QLabel*>("openHint");
+    QTRY_VERIFY(hint->isVisible());
+    QVERIFY2(hint->text().contains("Ctrl+O"), qPrintable(hint->text()));
+
+    window->openFiles({path("metres.tif")});
+    QTRY_VERIFY(!hint->isVisible());
+}
+
 void ViewerWindowTest::filesThatFailAreListedInOneBox()
 {
     QFile damaged(path("damaged.tif"));
@@ -201,6 +213,8 @@ void ViewerWindowTest::filesThatFailAreListedInOneBox()
     QTRY_VERIFY(box->informativeText().contains(path("damaged.tif") + ": "));
     QVERIFY(!box->informativeText().contains("metres.tif"));
     QCOMPARE(box->informativeText().split('\n').size(), 2);
+    QCOMPARE(box->informativeText().count(path("damaged.tif")), 1); // not again in the reason
+    QCOMPARE(box->text(), QString("These could not be opened:"));
     QTRY_COMPARE(mapWindows().size(), 1); // the windows of the two are gone again
 
     QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
