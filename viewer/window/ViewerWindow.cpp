@@ -128,7 +128,7 @@ void ViewerWindow::openFiles(const QStringList& sources)
             addMapWindow()->openDocument(source);
         }
     }
-    if (together) {
+    if (together && getMdiArea()->viewMode() == QMdiArea::SubWindowView) {
         getMdiArea()->tileSubWindows(); // before they are open, so that each map fits its place
     }
 }

@@ -39,6 +39,7 @@ private slots:
     void tabsStandInTheirOrderAndCloseMaps();
     void tabsAreKeptForTheNextStart();
     void tabsThatWereKeptAreThere();
+    void filesThatOpenTogetherFillTheirTabs();
     void aTabHasTheNameAsItIs();
     void anArrangementEndsTheTabs();
     void ctrlTabGoesRoundInBothDirections();
@@ -313,6 +314,19 @@ void WindowCommandsTest::tabsThatWereKeptAreThere()
 {
     QVERIFY(viewer->action("actionTabs")->isChecked());
     QCOMPARE(viewer->window->getMdiArea()->viewMode(), QMdiArea::TabbedView);
+}
+
+void WindowCommandsTest::filesThatOpenTogetherFillTheirTabs()
+{
+    viewer->action("actionTabs")->trigger();
+    viewer->window->openFiles({viewer->path("one.tif"), viewer->path("two.tif")});
+    const QList<MapWindow*> maps = viewer->window->getMapWindows();
+    QCOMPARE(maps.size(), 2);
+    QCOMPARE(viewer->window->getActiveMapWindow(), maps.last());
+    QVERIFY(maps.last()->isMaximized());
+    viewer->action("actionPreviousWindow")->trigger();
+    QCOMPARE(viewer->window->getActiveMapWindow(), maps.first());
+    QVERIFY(maps.first()->isMaximized());
 }
 
 void WindowCommandsTest::aTabHasTheNameAsItIs()
