@@ -31,7 +31,7 @@ using namespace Corvane::Viewer;
 namespace {
 
 constexpr int generous = 60000; // milliseconds, for what has to come at some time
-const char* const notRecognized = "%1: `%1' not recognized as a supported file format.";
+const char* const notRecognized = "%1: not recognized as a supported file format.";
 const char* const webTiles = "Corvane::Map::WebTileLayer";
 
 /// A file that keeps whoever opens it waiting, and turns out to be empty.
