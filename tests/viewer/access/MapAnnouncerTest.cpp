@@ -16,6 +16,7 @@
 #include <QAccessible>
 #include <QAction>
 #include <QDockWidget>
+#include <QFile>
 #include <QPointer>
 #include <QRegularExpression>
 #include <QSettings>
@@ -119,6 +120,7 @@ private:
 void MapAnnouncerTest::initTestCase()
 {
     QVERIFY(folder.isValid());
+    qputenv("TMPDIR", QFile::encodeName(folder.path())); // of the browser's cache
     TestImages::writeRgb(folder.filePath("image.tif"), {});
 }
 

@@ -19,6 +19,7 @@
 #include <QDialog>
 #include <QDockWidget>
 #include <QFileDialog>
+#include <QFile>
 #include <QListWidget>
 #include <QMenu>
 #include <QPointer>
@@ -60,6 +61,7 @@ private:
 void PseudoLocaleTest::initTestCase()
 {
     QVERIFY(folder.isValid());
+    qputenv("TMPDIR", QFile::encodeName(folder.path())); // of the browser's cache
     TestImages::writeRgb(folder.filePath("image.tif"), {});
 }
 
