@@ -53,6 +53,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QSettings>
 #include <QToolBar>
 #include <QUrl>
@@ -62,6 +63,7 @@ namespace {
 
 const char* const geometryKey = "Gui/MainWindow/geometry";
 constexpr QSize firstSize(1280, 800);
+constexpr QSize frameRoom(10, 40); // pixels, for what the window manager draws around it
 
 QStringList layerFilters()
 {
@@ -286,7 +288,9 @@ void ViewerWindow::restoreLayout()
 {
     restoreGuiPrefs();
     if (!Application::instance()->getSettings()->contains(geometryKey)) {
-        resize(firstSize);
+        // the first start on a small screen, or one with large pixels, shows the status bar, too
+        const QSize room = QGuiApplication::primaryScreen()->availableSize() - frameRoom;
+        resize(firstSize.boundedTo(room));
     }
 }
 

@@ -26,6 +26,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
 #include <QToolBar>
 #include <QWindow>
@@ -55,11 +56,25 @@ private slots:
 
     void theWindowMenuNamesTheMaps();
     void closingTheLastWindowLeavesTheProgram();
+    void theFirstWindowFitsTheScreen();
     void theLayoutIsKeptBetweenRuns();
 
 private:
+    static int runAgain(const QString& test);
     bool drop(const QPoint& position, const QStringList& files, Qt::KeyboardModifiers modifiers);
 };
+
+/// The exit code of one test in a process of its own, which finds the settings as they are.
+int ViewerWindowTest::runAgain(const QString& test)
+{
+    QProcess next;
+    QProcessEnvironment surroundings = QProcessEnvironment::systemEnvironment();
+    surroundings.insert("SECOND_RUN", "1");
+    next.setProcessEnvironment(surroundings);
+    next.setProcessChannelMode(QProcess::ForwardedChannels);
+    next.start(QCoreApplication::applicationFilePath(), {test});
+    return next.waitForFinished(-1) ? next.exitCode() : -1;
+}
 
 /// Drags and drops as the window system does; whether the drag was accepted.
 bool ViewerWindowTest::drop(const QPoint& position, const QStringList& files,
@@ -293,6 +308,19 @@ void ViewerWindowTest::closingTheLastWindowLeavesTheProgram()
 }
 
 // The second run is a process of its own, which leaves out the preparation.
+void ViewerWindowTest::theFirstWindowFitsTheScreen()
+{
+    if (qEnvironmentVariableIsSet("SECOND_RUN")) {
+        const QSize screen = QGuiApplication::primaryScreen()->availableSize();
+        QVERIFY(screen.width() < 1280); // else there is nothing to see
+        QVERIFY(window->width() <= qMax(screen.width(), window->minimumSizeHint().width()));
+        QVERIFY(window->height() < screen.height());
+        return;
+    }
+    Application::instance()->getSettings()->sync(); // without a layout
+    QCOMPARE(runAgain("theFirstWindowFitsTheScreen"), 0);
+}
+
 void ViewerWindowTest::theLayoutIsKeptBetweenRuns()
 {
     if (qEnvironmentVariableIsSet("SECOND_RUN")) {
@@ -312,14 +340,7 @@ void ViewerWindowTest::theLayoutIsKeptBetweenRuns()
     QVERIFY(!window->isVisible());
     Application::instance()->getSettings()->sync();
 
-    QProcess next;
-    QProcessEnvironment surroundings = QProcessEnvironment::systemEnvironment();
-    surroundings.insert("SECOND_RUN", "1");
-    next.setProcessEnvironment(surroundings);
-    next.setProcessChannelMode(QProcess::ForwardedChannels);
-    next.start(QCoreApplication::applicationFilePath(), {"theLayoutIsKeptBetweenRuns"});
-    QVERIFY(next.waitForFinished(-1));
-    QCOMPARE(next.exitCode(), 0);
+    QCOMPARE(runAgain("theLayoutIsKeptBetweenRuns"), 0);
 }
 
 int main(int argc, char** argv)
