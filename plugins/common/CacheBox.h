@@ -1,6 +1,6 @@
 #pragma once
 
-#include <plugins/common/SourceOpening.h>
+#include <plugins/common/PoolJob.h>
 
 #include <QGroupBox>
 

@@ -1,7 +1,6 @@
 #include <plugins/imageserver/ImageServerLayer.h>
 
 #include <plugins/common/HttpFetch.h>
-#include <plugins/common/OpeningPatience.h>
 #include <plugins/common/PoolTask.h>
 #include <plugins/common/ServerSource.h>
 #include <plugins/common/SourceReports.h>
@@ -36,7 +35,7 @@ int inMilliseconds(double seconds)
 
 ImageServerLayer::ImageServerLayer(IRendererClient* client)
     : ServedTileLayer(client, "ImageServer"),
-      retry([this] { askAnew(); })
+      opening(this, [this] { askAnew(); })
 {
 }
 
@@ -55,7 +54,7 @@ bool ImageServerLayer::setDataSource(QString newSource)
         return true; // documents name a source twice
     }
     closeSource();
-    retry.reset();
+    opening.retry.reset();
     dataSource = plain;
     address = parsed;
     if (!address) {
@@ -70,46 +69,40 @@ bool ImageServerLayer::setDataSource(QString newSource)
     if (description.isEmpty()) {
         description = QFileInfo(address->path).fileName();
     }
-    makeOpening();
-    opening->startRemote();
-    const OpeningPatience patience;
-    opening->waitFor(view.progressive ? patience.left() : openingLimit);
-    return opening->startTelling() || takeOpened();
+    startOpening(false);
+    return opening.goesOn(view.progressive, openingLimit) || takeOpened();
 }
 
-void ImageServerLayer::makeOpening()
+void ImageServerLayer::startOpening(bool tells)
 {
     const ImageServerAddress toOpen = *address;
     const QByteArray authorization = credentials.authorization();
     const int limit = inMilliseconds(deadline);
-    opening = std::make_shared<SourceOpening<GridAnswer>>(
+    opening.start(
         [=](QString* error, const std::atomic<bool>& abandoned) {
             return askForGrid(toOpen, authorization, limit, abandoned, error);
         },
-        [this] { QMetaObject::invokeMethod(this, "takeOpened", Qt::QueuedConnection); });
+        true, tells);
 }
 
 // Whether a source is open now.
 bool ImageServerLayer::takeOpened()
 {
-    if (!opening || !opening->waitFor(0)) {
+    const auto ended = opening.take();
+    if (!ended) {
         return source != nullptr; // told late, of a source that was given up
     }
-    QString error;
-    const bool inBackground = opening->tellsLayer();
     const bool wasOpen = source != nullptr;
-    const std::shared_ptr<GridAnswer> answer = opening->result(&error);
-    opening.reset();
-    if (answer->grid) {
-        retry.reset();
-        adopt(*answer);
+    if (ended->source->grid) {
+        opening.retry.reset();
+        adopt(*ended->source);
     } else {
-        fail(error, (address->isSure || wasOpen) && !retry.hasFailedBefore());
-        if (isPassing(answer->status)) {
-            retry.failed();
+        fail(ended->error, (address->isSure || wasOpen) && !opening.retry.hasFailedBefore());
+        if (isPassing(ended->source->status)) {
+            opening.retry.failed();
         }
     }
-    if (inBackground) {
+    if (ended->inBackground) {
         refreshAll();
         if (!wasOpen) {
             emit sourceOpened(source != nullptr);
@@ -144,18 +137,9 @@ void ImageServerLayer::fail(const QString& reason, bool isSure)
                             QDateTime::currentDateTime());
 }
 
-void ImageServerLayer::stopOpening()
-{
-    if (opening) {
-        opening->abandon();
-        opening.reset();
-    }
-}
-
 void ImageServerLayer::closeSource()
 {
-    stopOpening();
-    retry.stop();
+    opening.giveUp();
     stopServed();
     loader.reset();
     source.reset();
@@ -166,11 +150,8 @@ void ImageServerLayer::closeSource()
 void ImageServerLayer::askAnew()
 {
     if (address) {
-        stopOpening();
-        retry.stop();
-        makeOpening();
-        opening->startTelling(); // before it can have ended: the map has to hear of it
-        opening->startRemote();
+        opening.giveUp();
+        startOpening(true); // the map has to hear of it
     }
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <plugins/common/OpeningRetry.h>
 #include <plugins/common/ServedTileLayer.h>
 #include <plugins/common/SourceOpening.h>
 #include <plugins/imageserver/ImageServerAddress.h>
@@ -106,8 +105,7 @@ private slots:
     bool takeOpened();
 
 private:
-    void makeOpening();
-    void stopOpening();
+    void startOpening(bool tells);
     void closeSource();
     void adopt(const GridAnswer& answer);
     void fail(const QString& reason, bool isSure);
@@ -117,11 +115,10 @@ private:
     QString lastError;
     std::optional<ImageServerAddress> address;
     ServerCredentials credentials;
-    double deadline = 20.0;                             // seconds
-    std::shared_ptr<SourceOpening<GridAnswer>> opening; // while the server is asked for the grid
-    std::shared_ptr<ImageServerSource> source;          // null while there is none
-    std::shared_ptr<ImageServerLoader> loader;          // the same
-    OpeningRetry retry;
+    double deadline = 20.0;                    // seconds
+    SourceOpening<GridAnswer> opening;         // asks the server for the grid
+    std::shared_ptr<ImageServerSource> source; // null while there is none
+    std::shared_ptr<ImageServerLoader> loader; // the same
 };
 
 } // namespace Corvane::Map

@@ -193,7 +193,7 @@ void ImageServerLayer::setDeadline(double seconds)
 SourceReport ImageServerLayer::getSourceReport()
 {
     const bool isClosed = !source || !lastError.isEmpty();
-    return isClosed ? reportClosed(dataSource, opening != nullptr, retry, lastError)
+    return isClosed ? reportClosed(dataSource, bool(opening), opening.retry, lastError)
                     : servedReport(dataSource);
 }
 

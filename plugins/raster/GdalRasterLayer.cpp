@@ -1,7 +1,6 @@
 #include <plugins/raster/GdalRasterLayer.h>
 
 #include <plugins/common/GdalAccess.h>
-#include <plugins/common/OpeningPatience.h>
 #include <plugins/common/PoolTask.h>
 #include <plugins/common/ServerSource.h>
 #include <plugins/raster/OverviewBuilding.h>
@@ -34,7 +33,7 @@ constexpr int cellPriority = 2;            // on the pool, before sources that o
 
 GdalRasterLayer::GdalRasterLayer(IRendererClient* client)
     : TiledRasterLayer(client),
-      openingRetry([this] { tryAgain(); }),
+      opening(this, [this] { tryAgain(); }),
       tileRetry(&view, [this] { tileRetry.look(isVisible()); })
 {
     view.whileWaiting = [this] { return tileRetry.lookWhileWaiting(); };
@@ -58,7 +57,7 @@ bool GdalRasterLayer::setDataSource(QString newSource)
         return true; // documents name a source twice
     }
     closeSource();
-    openingRetry.reset();
+    opening.retry.reset();
     if (ServerSource::isForImageServer(newSource))
     { // it may hold a password, which no log is to hold
         dataSource.clear();
@@ -76,54 +75,38 @@ bool GdalRasterLayer::setDataSource(QString newSource)
         description = QFileInfo(dataSource).fileName();
     }
     startOpening(false);
-    const int unhurried = isRemote(dataSource) ? remoteWaitLimit : -1;
-    const OpeningPatience patience;
-    opening->waitFor(view.progressive ? patience.left() : unhurried);
-    if (opening->startTelling()) {
-        return true;
-    }
-    return takeOpened();
+    return opening.goesOn(view.progressive, isRemote(dataSource) ? remoteWaitLimit : -1) ||
+           takeOpened();
 }
 
 void GdalRasterLayer::startOpening(bool tells)
 {
-    opening = std::make_shared<SourceOpening<RasterSource>>(
+    opening.start(
         [name = dataSource](QString* error, const std::atomic<bool>&) {
             const bool isMissing = isPlainFile(name) && !QFileInfo::exists(name);
             *error = isMissing ? tr("the file does not exist") : QString();
             return isMissing ? nullptr : RasterSource::open(name, error);
         },
-        [this] { QMetaObject::invokeMethod(this, "takeOpened", Qt::QueuedConnection); });
-    if (tells) {
-        opening->startTelling();
-    }
-    if (isRemote(dataSource)) {
-        opening->startRemote();
-    } else {
-        opening->start();
-    }
+        isRemote(dataSource), tells);
 }
 
 // Whether a source is open now.
 bool GdalRasterLayer::takeOpened()
 {
-    if (!opening || !opening->waitFor(0)) {
+    auto ended = opening.take();
+    if (!ended) {
         return source != nullptr; // told late, of a source that was given up
     }
-    QString error;
-    const bool inBackground = opening->tellsLayer();
-    std::shared_ptr<RasterSource> opened = opening->result(&error);
-    opening.reset();
-    if (opened) {
-        openingRetry.reset();
-        adopt(std::move(opened));
+    if (ended->source) {
+        opening.retry.reset();
+        adopt(std::move(ended->source));
     } else {
-        fail(error);
-        if (isRemote(dataSource) && mayPass(error)) {
-            openingRetry.failed();
+        fail(ended->error);
+        if (isRemote(dataSource) && mayPass(ended->error)) {
+            opening.retry.failed();
         }
     }
-    if (inBackground) {
+    if (ended->inBackground) {
         refreshAll();
         emit sourceOpened(source != nullptr);
     }
@@ -143,18 +126,14 @@ bool GdalRasterLayer::fail(const QString& reason)
 {
     lastError = reason;
     Application::logMessage(QStringLiteral("cannot open %1: %2").arg(dataSource, reason),
-                            openingRetry.hasFailedBefore() ? LogLevel::Debug : LogLevel::Warning,
+                            opening.retry.hasFailedBefore() ? LogLevel::Debug : LogLevel::Warning,
                             QDateTime::currentDateTime());
     return false;
 }
 
 void GdalRasterLayer::closeSource()
 {
-    if (opening) {
-        opening->abandon();
-        opening.reset();
-    }
-    openingRetry.stop();
+    opening.giveUp();
     tileRetry.stop();
     building.reset();
     overviewFile.clear();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <plugins/common/OpeningRetry.h>
 #include <plugins/common/SourceOpening.h>
 #include <plugins/common/TileRetry.h>
 #include <plugins/common/TiledRasterLayer.h>
@@ -140,12 +139,11 @@ private:
     QString dataSource;
     QString nameInDocument; // while a document is read, the source if not as it stands there
     QString lastError;
-    QVector<qint32> bandList;                             // as chosen; empty for the source's own
-    std::shared_ptr<SourceOpening<RasterSource>> opening; // while a source is opening
-    std::shared_ptr<RasterSource> source;                 // null while there is none
+    QVector<qint32> bandList; // as chosen; empty for the source's own
+    SourceOpening<RasterSource> opening;
+    std::shared_ptr<RasterSource> source; // null while there is none
     std::shared_ptr<RasterTileLoader> loader;
-    OpeningRetry openingRetry;                  // of a remote source
-    TileRetry tileRetry;                        // the same
+    TileRetry tileRetry;                        // of a remote source
     std::unique_ptr<OverviewBuilding> building; // while overviews are built
     QString overviewFile;                       // that were built for this source
     QString overviewFailure;

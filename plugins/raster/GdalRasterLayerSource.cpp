@@ -13,7 +13,7 @@ SourceReport GdalRasterLayer::getSourceReport()
         return SourceReport();
     }
     return source ? reportOpen(dataSource, source->health.report(), false)
-                  : reportClosed(dataSource, opening != nullptr, openingRetry, lastError);
+                  : reportClosed(dataSource, bool(opening), opening.retry, lastError);
 }
 
 void GdalRasterLayer::retrySource()
@@ -32,7 +32,7 @@ void GdalRasterLayer::retrySource()
 
 void GdalRasterLayer::tryAgain()
 {
-    openingRetry.stop();
+    opening.retry.stop();
     lastError.clear();
     startOpening(true);
 }

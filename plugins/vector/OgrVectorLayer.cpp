@@ -48,8 +48,8 @@ void removePens(QDomNode& node)
 
 OgrVectorLayer::OgrVectorLayer(IRendererClient* client)
     : VectorLayer(client),
-      retry([this] { tryAgain(); }),
       waitLimit(usualWaitLimit),
+      opening(this, [this] { tryAgain(); }),
       view([this] { QMetaObject::invokeMethod(this, "takeDrawn", Qt::QueuedConnection); })
 {
     QPen line{QColor(usualPen)};
@@ -80,7 +80,7 @@ bool OgrVectorLayer::setDataSource(QString newSource)
         return true; // documents name a source twice
     }
     closeSource();
-    retry.reset();
+    opening.retry.reset();
     if (ServerSource::isForImageServer(newSource))
     { // it may hold a password, which no log is to hold
         dataSource.clear();
@@ -98,51 +98,38 @@ bool OgrVectorLayer::setDataSource(QString newSource)
         return false; // without a word: it is for another plugin
     }
     openSource(false);
-    const int unhurried = isRemote(dataSource) ? remoteWaitLimit : -1;
-    const OpeningPatience opensSoon;
-    opening->waitFor(view.progressive ? opensSoon.left() : unhurried);
-    return opening->startTelling() || takeOpened();
+    return opening.goesOn(view.progressive, isRemote(dataSource) ? remoteWaitLimit : -1) ||
+           takeOpened();
 }
 
 void OgrVectorLayer::openSource(bool tells)
 {
-    opening = std::make_shared<PoolJob<VectorSource>>(
+    opening.start(
         [source = dataSource, name = layerName](QString* error, const std::atomic<bool>&) {
             const bool isMissing = isPlainFile(source) && !QFileInfo::exists(source);
             *error = isMissing ? tr("the file does not exist") : QString();
             return isMissing ? nullptr : VectorSource::open(source, name, error);
         },
-        [this] { QMetaObject::invokeMethod(this, "takeOpened", Qt::QueuedConnection); });
-    if (tells) {
-        opening->startTelling();
-    }
-    if (isRemote(dataSource)) {
-        opening->startRemote();
-    } else {
-        opening->start();
-    }
+        isRemote(dataSource), tells);
 }
 
 // Whether a source is open now.
 bool OgrVectorLayer::takeOpened()
 {
-    if (!opening || !opening->waitFor(0)) {
+    auto ended = opening.take();
+    if (!ended) {
         return facts != nullptr; // told late, of a source that was given up
     }
-    QString error;
-    const bool inBackground = opening->tellsLayer();
-    std::shared_ptr<VectorSource> opened = opening->result(&error);
-    opening.reset();
-    if (opened) {
-        retry.reset();
-        adopt(std::move(opened));
+    if (ended->source) {
+        opening.retry.reset();
+        adopt(std::move(ended->source));
     } else {
-        fail(error);
-        if (isRemote(dataSource) && mayPass(error)) {
-            retry.failed();
+        fail(ended->error);
+        if (isRemote(dataSource) && mayPass(ended->error)) {
+            opening.retry.failed();
         }
     }
-    if (inBackground) {
+    if (ended->inBackground) {
         refreshAll();
         emit sourceOpened(facts != nullptr);
     }
@@ -164,18 +151,14 @@ bool OgrVectorLayer::fail(const QString& reason)
 {
     lastError = reason;
     Application::logMessage(QStringLiteral("cannot open %1: %2").arg(dataSource, reason),
-                            retry.hasFailedBefore() ? LogLevel::Debug : LogLevel::Warning,
+                            opening.retry.hasFailedBefore() ? LogLevel::Debug : LogLevel::Warning,
                             QDateTime::currentDateTime());
     return false;
 }
 
 void OgrVectorLayer::closeSource()
 {
-    if (opening) {
-        opening->abandon();
-        opening.reset();
-    }
-    retry.stop();
+    opening.giveUp();
     stopReading();
     view.clear();
     unread.reset();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <plugins/common/OpeningRetry.h>
+#include <plugins/common/SourceOpening.h>
 #include <plugins/vector/VectorStyle.h>
 #include <plugins/vector/VectorView.h>
 
@@ -153,7 +153,6 @@ private:
 
     QString dataSource;
     QString nameInDocument; // while a document is read whose name the base class would lose
-    OpeningRetry retry;     // of a remote source
     QString lastError;
     QString layerName; // as chosen; empty for the first
     QString labelField;
@@ -164,12 +163,12 @@ private:
     bool visible = true;
     bool viewMayBeStale = false; // it was hidden, and is told nothing of the views meanwhile
 
-    std::shared_ptr<PoolJob<VectorSource>> opening; // while a source is opening
-    std::shared_ptr<const VectorFacts> facts;       // null while none is open
-    std::shared_ptr<VectorSource> unread;           // opened, and not yet handed to a reading
-    std::shared_ptr<VectorReading> reading;         // while features are read
-    bool haveRead = false;                          // or are being read
-    bool replaces = false; // what is read takes the place of the old at the end
+    SourceOpening<VectorSource> opening;
+    std::shared_ptr<const VectorFacts> facts; // null while none is open
+    std::shared_ptr<VectorSource> unread;     // opened, and not yet handed to a reading
+    std::shared_ptr<VectorReading> reading;   // while features are read
+    bool haveRead = false;                    // or are being read
+    bool replaces = false;                    // what is read takes the place of the old at the end
     ChunkList incoming;
     int targetEpsg = 0; // that the features are brought to; 0 leaves them as they are
     WorldBox extent;    // as shown

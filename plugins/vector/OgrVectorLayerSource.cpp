@@ -13,7 +13,7 @@ SourceReport OgrVectorLayer::getSourceReport()
         return SourceReport();
     }
     if (!facts) {
-        return reportClosed(dataSource, opening != nullptr, retry, lastError);
+        return reportClosed(dataSource, bool(opening), opening.retry, lastError);
     }
     SourceReport report;
     report.host = hostOf(dataSource);
@@ -39,7 +39,7 @@ void OgrVectorLayer::retrySource()
 
 void OgrVectorLayer::tryAgain()
 {
-    retry.stop();
+    opening.retry.stop();
     lastError.clear();
     openSource(true);
 }

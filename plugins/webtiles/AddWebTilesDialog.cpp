@@ -121,7 +121,7 @@ void AddWebTilesDialog::startTest()
     const QString url = enteredUrl();
     const WebTileSettings settings = enteredSettings();
     const WebTile tile = testTile();
-    test = std::make_shared<SourceOpening<TileAnswer>>(
+    test = std::make_shared<PoolJob<TileAnswer>>(
         [=](QString* error, const std::atomic<bool>& abandoned) {
             return tryOut(url, settings, tile, abandoned, error);
         },

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <plugins/common/SourceOpening.h>
+#include <plugins/common/PoolJob.h>
 #include <plugins/webtiles/TileTemplate.h>
 #include <plugins/webtiles/WebTileSource.h>
 
@@ -47,7 +47,7 @@ private:
     WebTile testTile() const;
 
     Ui::AddWebTilesDialog* ui; // owned
-    std::shared_ptr<SourceOpening<TileAnswer>> test;
+    std::shared_ptr<PoolJob<TileAnswer>> test;
 };
 
 } // namespace Corvane::Map

@@ -1,7 +1,6 @@
 #include <plugins/webtiles/WebTileLayer.h>
 
 #include <plugins/common/HttpFetch.h>
-#include <plugins/common/OpeningPatience.h>
 #include <plugins/common/PrintedPicture.h>
 #include <plugins/common/SourceReports.h>
 #include <plugins/webtiles/WebMercator.h>
@@ -50,7 +49,7 @@ QString titleOf(const QString& dataSource, const QString& offered)
 
 WebTileLayer::WebTileLayer(IRendererClient* client)
     : ServedTileLayer(client, "WebTiles"),
-      retry([this] { tryAgain(); })
+      opening(this, [this] { tryAgain(); })
 {
 }
 
@@ -65,7 +64,7 @@ bool WebTileLayer::setDataSource(QString newSource)
         return true; // documents name a source twice
     }
     closeSource();
-    retry.reset();
+    opening.retry.reset();
     dataSource = newSource;
     if (!isWebTileSource(dataSource)) {
         return false;
@@ -76,9 +75,7 @@ bool WebTileLayer::setDataSource(QString newSource)
         return adopt(plain);
     }
     startOpening(false);
-    const OpeningPatience patience;
-    opening->waitFor(view.progressive ? patience.left() : openingLimit);
-    return opening->startTelling() || takeOpened();
+    return opening.goesOn(view.progressive, openingLimit) || takeOpened();
 }
 
 void WebTileLayer::startOpening(bool tells)
@@ -86,27 +83,19 @@ void WebTileLayer::startOpening(bool tells)
     const QString toOpen = dataSource;
     const WebTileSettings terms = settings;
     failurePasses = std::make_shared<std::atomic<bool>>(false);
-    opening = std::make_shared<SourceOpening<WebTileOffer>>(
+    opening.start(
         [=, passes = failurePasses](QString* error, const std::atomic<bool>& abandoned) {
             bool mayPass = false;
             auto offered = askForOffer(toOpen, terms, abandoned, error, &mayPass);
             *passes = mayPass;
             return offered;
         },
-        [this] { QMetaObject::invokeMethod(this, "takeOpened", Qt::QueuedConnection); });
-    if (tells) {
-        opening->startTelling();
-    }
-    if (hostOf(dataSource).isEmpty()) {
-        opening->start();
-    } else {
-        opening->startRemote();
-    }
+        !hostOf(dataSource).isEmpty(), tells);
 }
 
 void WebTileLayer::tryAgain()
 {
-    retry.stop();
+    opening.retry.stop();
     lastError.clear();
     startOpening(true);
 }
@@ -114,22 +103,19 @@ void WebTileLayer::tryAgain()
 // Whether a source is open now.
 bool WebTileLayer::takeOpened()
 {
-    if (!opening || !opening->waitFor(0)) {
+    const auto ended = opening.take();
+    if (!ended) {
         return source != nullptr; // told late, of a source that was given up
     }
-    QString error;
-    const bool inBackground = opening->tellsLayer();
-    const std::shared_ptr<WebTileOffer> opened = opening->result(&error);
-    opening.reset();
-    if (opened && adopt(opened)) {
-        retry.reset();
-    } else if (!opened) {
-        fail(error);
+    if (ended->source && adopt(ended->source)) {
+        opening.retry.reset();
+    } else if (!ended->source) {
+        fail(ended->error);
         if (*failurePasses) {
-            retry.failed();
+            opening.retry.failed();
         }
     }
-    if (inBackground) {
+    if (ended->inBackground) {
         refreshAll();
         emit sourceOpened(source != nullptr);
     }
@@ -164,18 +150,14 @@ bool WebTileLayer::fail(const QString& reason)
 {
     lastError = reason;
     Application::logMessage(QStringLiteral("cannot open %1: %2").arg(dataSource, reason),
-                            retry.hasFailedBefore() ? LogLevel::Debug : LogLevel::Warning,
+                            opening.retry.hasFailedBefore() ? LogLevel::Debug : LogLevel::Warning,
                             QDateTime::currentDateTime());
     return false;
 }
 
 void WebTileLayer::closeSource()
 {
-    if (opening) {
-        opening->abandon();
-        opening.reset();
-    }
-    retry.stop();
+    opening.giveUp();
     stopServed();
     loader.reset();
     source.reset();

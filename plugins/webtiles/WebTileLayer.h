@@ -1,6 +1,5 @@
 #pragma once
 
-#include <plugins/common/OpeningRetry.h>
 #include <plugins/common/ServedTileLayer.h>
 #include <plugins/common/SourceOpening.h>
 #include <plugins/webtiles/WebTileSource.h>
@@ -101,7 +100,7 @@ public:
 
     /// The URL with places that the tiles come from; empty without a source.
     QString getUrl() const;
-    bool isOpening() const { return opening != nullptr; }
+    bool isOpening() const { return bool(opening); }
     /// How the server is doing; as if it had not been asked, without a source.
     SourceHealth::Report getHealth() const;
     /// Whether retryNow would ask for something.
@@ -125,11 +124,10 @@ private:
     QString lastError;
     QString attribution; // as painted
     WebTileSettings settings;
-    std::shared_ptr<SourceOpening<WebTileOffer>> opening; // while a source is opening
-    std::shared_ptr<WebTileOffer> offer;                  // null while there is none
-    std::shared_ptr<WebTileSource> source; // null too where the settings do not fit it
-    std::shared_ptr<WebTileLoader> loader; // the same
-    OpeningRetry retry;
+    SourceOpening<WebTileOffer> opening;
+    std::shared_ptr<WebTileOffer> offer;              // null while there is none
+    std::shared_ptr<WebTileSource> source;            // null too where the settings do not fit it
+    std::shared_ptr<WebTileLoader> loader;            // the same
     std::shared_ptr<std::atomic<bool>> failurePasses; // of the last opening
 };
 

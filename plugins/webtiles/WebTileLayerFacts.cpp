@@ -233,7 +233,7 @@ SourceReport WebTileLayer::getSourceReport()
         return SourceReport();
     }
     return source ? servedReport(offer->url)
-                  : reportClosed(dataSource, isOpening(), retry, lastError);
+                  : reportClosed(dataSource, isOpening(), opening.retry, lastError);
 }
 
 void WebTileLayer::retrySource()
