@@ -272,9 +272,7 @@ void OverviewCommandsTest::aMapThatStaysIsAskedAboutAgain()
     find<QPushButton>("buildOverviews")->click();
     find<QAction>("actionCloseAll")->trigger();
     find<QMessageBox>("saveQuestion")->button(QMessageBox::Discard)->click();
-    if (!find<QMessageBox>("overviewQuestion")) {
-        QSKIP("the overviews were faster than the dialog");
-    }
+    QVERIFY(find<QMessageBox>("overviewQuestion")); // no event has come that could end the task
     find<QPushButton>("keepBuilding")->click();
     QTRY_VERIFY_WITH_TIMEOUT(!find<QWidget>("taskBar")->isVisible(), generous);
     QTRY_VERIFY(!find<QMessageBox>("saveQuestion"));
