@@ -212,8 +212,8 @@ void ReloadingTest::filesThatChangeAreOfferedTogether()
             QFile::remove(path(name));
             QFile::rename(fresh, path(name));
         }
-        QTest::qWait(600); // longer than a file has to be quiet
-        return noticeText() == "2 files have changed.";
+        // again where a file changed before it was watched
+        return QTest::qWaitFor([noticeText] { return noticeText() == "2 files have changed."; });
     };
     QVERIFY2(QTest::qWaitFor(bothAreNoticed, 60000), qPrintable(noticeText()));
     click("changedNotice", "reloadChanged");
