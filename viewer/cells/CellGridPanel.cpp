@@ -67,9 +67,11 @@ void CellGridPanel::createControls()
     const QSettings* const settings = Application::instance()->getSettings();
     layerName = new QLabel(this);
     layerName->setObjectName("cellGridLayer");
+    layerName->setTextFormat(Qt::PlainText);
     layerName->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     state = new QLabel(this);
     state->setObjectName("cellGridState");
+    state->setTextFormat(Qt::PlainText);
     state->setWordWrap(true);
     band = new QComboBox(this);
     band->setObjectName("cellGridBand");

@@ -28,6 +28,7 @@ FlickerBar::FlickerBar(QWidget* view, double firstRate)
     setAutoFillBackground(true);
     setCursor(Qt::ArrowCursor);
     layerName->setObjectName("flickerLayer");
+    layerName->setTextFormat(Qt::PlainText);
     rate->setObjectName("flickerRate");
     rate->setAccessibleName(tr("Changes per second"));
     rate->setRange(slowest, fastest);

@@ -68,7 +68,8 @@ void SourceCommands::tell()
     const QString text = troubles.size() > 1
                              ? tr("%n layers are not reachable", nullptr, troubles.size())
                              : tr("%1: %2").arg(first.layerName, lastingStateText(first.report));
-    line->setText(line->fontMetrics().elidedText(text, Qt::ElideRight, longestLine - 40));
+    QString shown = line->fontMetrics().elidedText(text, Qt::ElideRight, longestLine - 40);
+    line->setText(shown.replace('&', QLatin1String("&&"))); // no key belongs to it
     line->setAccessibleName(text);
     line->setToolTip(tr("%1\nShow all sources").arg(text));
     line->setIcon(sourceStateIcon(first.report));

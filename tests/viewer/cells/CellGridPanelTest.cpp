@@ -55,6 +55,7 @@ void CellGridPanelTest::theGridShowsTheCellsAroundThePointer()
     QVERIFY(table->item(2, 2)->font().bold());
     QVERIFY(!table->item(2, 1)->font().bold());
     QCOMPARE(part<QLabel>("cellGridLayer")->text(), QString("numbers.tif"));
+    QCOMPARE(part<QLabel>("cellGridLayer")->textFormat(), Qt::PlainText);
 
     auto* const band = part<QComboBox>("cellGridBand");
     QCOMPARE(band->count(), 3);

@@ -342,6 +342,7 @@ void CompareToolsTest::flickeringHidesAndShowsTheLayer()
     action("actionFlicker")->trigger();
     QVERIFY(action("actionFlicker")->isChecked());
     QCOMPARE(bar()->findChild<QLabel*>("flickerLayer")->text(), QString("red.tif"));
+    QCOMPARE(bar()->findChild<QLabel*>("flickerLayer")->textFormat(), Qt::PlainText);
     for (int i = 0; i < 2; ++i) {
         QTRY_COMPARE(rightSide(), QColor(Qt::blue));
         QTRY_COMPARE(rightSide(), QColor(Qt::red));
