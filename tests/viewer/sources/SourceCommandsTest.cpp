@@ -386,8 +386,8 @@ void SourceCommandsTest::theStatusLineIsAboutTheActiveMap()
     auto* const line = find<QToolButton>("sourceTrouble");
     QVERIFY(!line->isVisible());
     const int port = closedPort();
-    MapWindow* const one =
-        open(write("one.cmap", {element("GdalRasterLayer", sourceAt(port, "/b.tif"), "R&amp;D")}), 1);
+    MapWindow* const one = open(
+        write("one.cmap", {element("GdalRasterLayer", sourceAt(port, "/b.tif"), "R&amp;D")}), 1);
     QVERIFY(one);
     QTRY_VERIFY_WITH_TIMEOUT(allWait(one) && line->isVisible(), generous);
     QVERIFY2(line->text().startsWith("R&&D: "), qPrintable(line->text())); // shown as R&D
