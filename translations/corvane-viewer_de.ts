@@ -758,6 +758,10 @@ Ein Klick in die Karte tut dasselbe.</translation>
         <source>cannot write %1: %2</source>
         <translation>%1 lässt sich nicht schreiben: %2</translation>
     </message>
+    <message>
+        <source>%1 is open in another window. Close it there, or choose another name.</source>
+        <translation>%1 ist in einem anderen Fenster geöffnet. Schließen Sie die Karte dort, oder wählen Sie einen anderen Namen.</translation>
+    </message>
 </context>
 <context>
     <name>Corvane::Viewer::MapWindow</name>

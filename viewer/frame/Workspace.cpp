@@ -1,8 +1,10 @@
 #include <viewer/frame/Workspace.h>
 
 #include <viewer/frame/Panels.h>
+#include <viewer/maps/MapDocument.h>
 #include <viewer/maps/MapWindow.h>
 
+#include <QFileInfo>
 #include <QMdiArea>
 
 namespace Corvane::Viewer {
@@ -34,6 +36,18 @@ QList<MapWindow*> Workspace::getMapWindows() const
         }
     }
     return windows;
+}
+
+MapWindow* Workspace::mapWindowOf(const QString& document) const
+{
+    const QString wanted = QFileInfo(document).absoluteFilePath();
+    for (MapWindow* window : getMapWindows()) {
+        const MapDocument* const known = window->getDocument();
+        if (known->getFileName() == wanted || known->getLoadingName() == wanted) {
+            return window;
+        }
+    }
+    return nullptr;
 }
 
 Panels* Workspace::getPanels() const

@@ -33,6 +33,8 @@ public:
     MapWindow* getActiveMapWindow() const;
     /// All map windows, in the order they were made.
     QList<MapWindow*> getMapWindows() const;
+    /// The window that this document is open in, or will be, or null.
+    MapWindow* mapWindowOf(const QString& document) const;
     /// Null once the maps have ended.
     Panels* getPanels() const;
 

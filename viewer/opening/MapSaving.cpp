@@ -1,6 +1,7 @@
 #include <viewer/opening/MapSaving.h>
 
 #include <viewer/frame/Folders.h>
+#include <viewer/frame/Workspace.h>
 #include <viewer/maps/MapDocument.h>
 #include <viewer/maps/MapWindow.h>
 
@@ -19,8 +20,9 @@ const char* const suffix = "cmap";
 
 } // namespace
 
-MapSaving::MapSaving(QWidget* owner)
+MapSaving::MapSaving(Workspace* owner)
     : QObject(owner),
+      workspace(owner),
       saveAction(new QAction(owner)),
       saveAsAction(new QAction(owner))
 {
@@ -151,10 +153,24 @@ void MapSaving::saveAs(MapWindow* map, const Next& then)
     }
     connect(dialog, &QFileDialog::fileSelected, map, [this, map, then](const QString& fileName) {
         keepFolderOf(fileName);
-        write(map, fileName, then);
+        if (isOpenElsewhere(map, fileName)) {
+            keepChanges();
+            showFailure(map,
+                        tr("%1 is open in another window. Close it there, or choose another name.")
+                            .arg(fileName));
+        } else {
+            write(map, fileName, then);
+        }
     });
     connect(dialog, &QFileDialog::rejected, this, &MapSaving::keepChanges);
     dialog->open();
+}
+
+/// The two windows would take turns in replacing what the other one has saved.
+bool MapSaving::isOpenElsewhere(const MapWindow* map, const QString& fileName) const
+{
+    const MapWindow* const other = workspace->mapWindowOf(fileName);
+    return other && other != map;
 }
 
 void MapSaving::write(MapWindow* map, const QString& fileName, const Next& then)
@@ -166,7 +182,7 @@ void MapSaving::write(MapWindow* map, const QString& fileName, const Next& then)
                 once->deleteLater();
                 if (!ok) {
                     keepChanges();
-                    showFailure(map, name, reason);
+                    showFailure(map, tr("cannot write %1: %2").arg(name, reason));
                     return;
                 }
                 emit saved(name);
@@ -177,10 +193,9 @@ void MapSaving::write(MapWindow* map, const QString& fileName, const Next& then)
     document->save(fileName);
 }
 
-void MapSaving::showFailure(MapWindow* map, const QString& fileName, const QString& reason)
+void MapSaving::showFailure(MapWindow* map, const QString& text)
 {
-    QMessageBox* box =
-        makeBox(map, "saveMapFailure", tr("cannot write %1: %2").arg(fileName, reason));
+    QMessageBox* box = makeBox(map, "saveMapFailure", text);
     box->setIcon(QMessageBox::Warning);
     box->setStandardButtons(QMessageBox::Ok);
     box->open();

@@ -12,6 +12,7 @@ class QMessageBox;
 namespace Corvane::Viewer {
 
 class MapWindow;
+class Workspace;
 
 /// Saves maps: the actions, the dialogs, and the questions before something is lost. All dialogs
 /// are windows of the map's own and wait for nobody. GUI thread only.
@@ -19,8 +20,8 @@ class MapSaving : public QObject
 {
     Q_OBJECT
 public:
-    /// owner owns this and the actions.
-    explicit MapSaving(QWidget* owner);
+    /// workspace owns this and the actions.
+    explicit MapSaving(Workspace* workspace);
 
     /// The window that the actions work on; null for none.
     void setMapWindow(MapWindow* newWindow);
@@ -42,12 +43,14 @@ private:
     bool waitsForReading(MapWindow* map, const Next& saving);
     void save(MapWindow* map, const Next& then);
     void saveAs(MapWindow* map, const Next& then);
+    bool isOpenElsewhere(const MapWindow* map, const QString& fileName) const;
     void write(MapWindow* map, const QString& fileName, const Next& then);
     void askAboutChanges(MapWindow* map, const Next& then);
     void askAboutMissingLayers(MapWindow* map, const Next& then);
-    void showFailure(MapWindow* map, const QString& fileName, const QString& reason);
+    void showFailure(MapWindow* map, const QString& text);
     QMessageBox* makeBox(MapWindow* map, const QString& name, const QString& text) const;
 
+    Workspace* workspace; // not owned
     QAction* saveAction;
     QAction* saveAsAction;
     QPointer<MapWindow> window;

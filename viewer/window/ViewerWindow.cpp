@@ -15,7 +15,6 @@
 #include <viewer/log/LogBook.h>
 #include <viewer/log/LogPanel.h>
 #include <viewer/maps/LayerOpener.h>
-#include <viewer/maps/MapDocument.h>
 #include <viewer/maps/MapDocumentReader.h>
 #include <viewer/maps/MapWindow.h>
 #include <viewer/measuring/MeasureCommand.h>
@@ -45,7 +44,6 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QMdiArea>
@@ -124,7 +122,7 @@ void ViewerWindow::openFiles(const QStringList& sources)
     for (const QString& source : sources) {
         if (!mayBeMapDocument(source)) {
             addMapWindow()->open(source);
-        } else if (MapWindow* window = windowOf(source)) {
+        } else if (MapWindow* window = mapWindowOf(source)) {
             getMdiArea()->setActiveSubWindow(window);
         } else {
             addMapWindow()->openDocument(source);
@@ -171,20 +169,6 @@ MapWindow* ViewerWindow::addMapWindow()
         window->show();
     }
     return window;
-}
-
-/// The window that this document is open in, or will be, or null.
-MapWindow* ViewerWindow::windowOf(const QString& document) const
-{
-    const QString wanted = QFileInfo(document).absoluteFilePath();
-    for (QMdiSubWindow* subWindow : getMdiArea()->subWindowList()) {
-        const auto window = qobject_cast<MapWindow*>(subWindow);
-        const MapDocument* const known = window ? window->getDocument() : nullptr;
-        if (known && (known->getFileName() == wanted || known->getLoadingName() == wanted)) {
-            return window;
-        }
-    }
-    return nullptr;
 }
 
 void ViewerWindow::onSubWindowActivated(QMdiSubWindow* window)

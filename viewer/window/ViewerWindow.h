@@ -56,7 +56,6 @@ private:
     void restoreLayout();
     void chooseFiles(bool add);
     void onSubWindowActivated(QMdiSubWindow* window);
-    MapWindow* windowOf(const QString& document) const;
     bool mayCloseAll(const std::function<void()>& then);
     MapWindow* mapWindowAt(const QPoint& position) const;
 

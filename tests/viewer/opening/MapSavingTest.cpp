@@ -17,6 +17,7 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTimer>
 #include <QWindow>
 #include <QtTest>
 
@@ -35,6 +36,7 @@ private slots:
     void aNewMapIsSavedUnderTheNameThatIsChosen();
     void aMapThatHasAFileIsSavedIntoIt();
     void savingAsTakesTheNewName();
+    void theFileOfAnotherWindowIsNotTaken();
     void twoSavesGiveTheSameBytes();
     void aDiskThatIsFullLosesNothing();
     void theActionsNeedAMap();
@@ -85,6 +87,30 @@ void MapSavingTest::savingAsTakesTheNewName()
     QCOMPARE(map->windowTitle(), QString("other.cmap"));
     QCOMPARE(contentOf(path("coast.cmap")), old);
     QVERIFY(contentOf(path("other.cmap")).contains("another map"));
+}
+
+void MapSavingTest::theFileOfAnotherWindowIsNotTaken()
+{
+    MapWindow* const coast = changedMap();
+    const QByteArray old = contentOf(path("coast.cmap"));
+    MapWindow* const other = open({images.filePath("metres.tif")});
+    action("actionSaveAs")->trigger();
+    QTimer answers; // the dialog asks in a loop of its own whether to replace the file
+    connect(&answers, &QTimer::timeout, this, [this] {
+        const auto* const chooser = dialog<QFileDialog>("saveMapDialog");
+        if (auto* const box = chooser ? chooser->findChild<QMessageBox*>() : nullptr) {
+            box->button(QMessageBox::Yes)->click();
+        }
+    });
+    answers.start();
+    choose(path("coast.cmap"));
+    auto* const box = dialog<QMessageBox>("saveMapFailure");
+    QVERIFY(box);
+    QCOMPARE(box->text(), path("coast.cmap") + " is open in another window. Close it there, or "
+                                               "choose another name.");
+    QCOMPARE(other->getDocument()->getFileName(), QString());
+    QCOMPARE(coast->getDocument()->getFileName(), path("coast.cmap"));
+    QCOMPARE(contentOf(path("coast.cmap")), old);
 }
 
 void MapSavingTest::twoSavesGiveTheSameBytes()
