@@ -34,8 +34,7 @@ ViewerStatusBar::ViewerStatusBar(QWidget* parent)
       form(coordinateFormOf(Application::instance()->getSettings()->value(formKey).toString())),
       formButton(new QToolButton(this)),
       forms(new QActionGroup(this)),
-      coordinates(
-          addLabel("coordinates", QStringLiteral("00° 00' 00.0000\" N  000° 00' 00.0000\" E"))),
+      coordinates(addLabel("coordinates", QStringLiteral("00° 00' 00.0000\" N"))),
       scale(new ScaleBox(this)),
       zoom(addLabel("zoom", QStringLiteral("zoom 10,000 %"))),
       progress(new LoadProgress(this)),
@@ -43,7 +42,8 @@ ViewerStatusBar::ViewerStatusBar(QWidget* parent)
 {
     scale->setObjectName("scale");
     addFormButton();
-    addWidget(coordinates);
+    coordinates->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    addWidget(coordinates, 1); // what the others leave: windows may be narrow
     addPermanentWidget(scale);
     addPermanentWidget(zoom);
     addProgressBar();
