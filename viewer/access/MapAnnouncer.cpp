@@ -89,7 +89,10 @@ void MapAnnouncer::tell()
 /// Where the keyboard cursor is, else the middle.
 QPointF MapAnnouncer::place() const
 {
-    const QPoint pixel = cursor->isOn() ? cursor->getPosition() : view->rect().center();
+    if (!cursor->isOn()) {
+        return view->getBounds().center();
+    }
+    const QPoint pixel = cursor->getPosition();
     double x = 0.0;
     double y = 0.0;
     view->getViewManager()->convertDeviceToWorld(pixel.x(), pixel.y(), &x, &y);
