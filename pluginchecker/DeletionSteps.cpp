@@ -18,6 +18,7 @@ constexpr int deletions = 100;
 constexpr int slowDeletions = 20;
 constexpr int cycles = 15;     // the pool of 8 threads may still be making some as it needs them
 constexpr int usualCycles = 3; // what helpers a library starts once is there by then
+constexpr int noise = 2;       // threads of others that may have ended since
 
 using Clients = std::vector<std::shared_ptr<WatchingClient>>;
 
@@ -132,7 +133,7 @@ void checkLeftovers(StepContext& context)
     const Leftovers after = Leftovers::count();
     const int layers = cycles - usualCycles;
     const auto compare = [&](int now, int then, const char* what) {
-        if (now - then >= layers) {
+        if (now - then >= layers - noise) {
             context.record.fail(QStringLiteral("%1 more %2 after %3 more layers")
                                     .arg(now - then)
                                     .arg(QLatin1String(what))
