@@ -31,6 +31,7 @@ namespace Corvane::Viewer {
 struct Reloading::Change
 {
     QPointer<MapWindow> map;
+    const MapWindow* key = nullptr; // the map as well, to tell it while it goes
     QPointer<Map::Layer> old;
     std::unique_ptr<Map::Layer> fresh;
 };
@@ -100,6 +101,7 @@ void Reloading::reload(MapWindow* of, Map::Layer* layer)
     layer->writeXML(element, document);
     auto change = std::make_unique<Change>();
     change->map = of;
+    change->key = of;
     change->old = layer;
     change->fresh.reset(PluginManager::createLayer(layer->metaObject()->className(), false));
     if (!change->fresh) {
@@ -171,7 +173,7 @@ void Reloading::follow(MapWindow* added)
 /// The plugins end after the last map, and no layer may outlive its plugin.
 void Reloading::giveUp(const MapWindow* closed)
 {
-    const auto isOfMap = [closed](const auto& change) { return change->map == closed; };
+    const auto isOfMap = [closed](const auto& change) { return change->key == closed; };
     changes.erase(std::remove_if(changes.begin(), changes.end(), isOfMap), changes.end());
 }
 
