@@ -97,10 +97,11 @@ bool Envelope::intersects(Envelope& other) const
 
 Envelope Envelope::unite(Envelope& other) const
 {
-    // Only the other's top-left corner counts, its y for the right and the bottom edge as well.
+    // Only the other's top-left corner counts: its x for the left and the top edge, its y for the
+    // right and the bottom edge.
     // EnvelopeTest::uniteReadsOnlyTheOthersTopLeftCorner holds it.
     return {std::min(topLeftCorner.x(), other.topLeftCorner.x()),
-            std::max(topLeftCorner.y(), other.topLeftCorner.y()),
+            std::max(topLeftCorner.y(), other.topLeftCorner.x()),
             std::max(bottomRightCorner.x(), other.topLeftCorner.y()),
             std::min(bottomRightCorner.y(), other.topLeftCorner.y())};
 }

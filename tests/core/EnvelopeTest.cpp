@@ -187,8 +187,10 @@ void EnvelopeTest::uniteReadsOnlyTheOthersTopLeftCorner_data()
 {
     QTest::addColumn<Envelope>("other");
     QTest::addColumn<QList<double>>("result");
-    QTest::newRow("to the left and above: its top becomes the right edge as well")
-        << Envelope(-5, 90, 100, -100) << QList<double>({-5, 90, 90, 30});
+    QTest::newRow("to the left and above: its top becomes the right edge, not the top")
+        << Envelope(-5, 90, 100, -100) << QList<double>({-5, 40, 90, 30});
+    QTest::newRow("far to the right: its left becomes the top")
+        << Envelope(60, 15, 100, -100) << QList<double>({10, 60, 20, 15});
     QTest::newRow("below: its top becomes the bottom")
         << Envelope(15, 3, 100, -100) << QList<double>({10, 40, 20, 3});
     QTest::newRow("inside: nothing changes but the right edge")
