@@ -340,14 +340,16 @@ void WebTileFailuresTest::theServerSaysWhenItWantsToBeAskedAgain()
 void WebTileFailuresTest::anAnswerUnderWayDoesNotEndThePause()
 {
     TileServer server;
-    server.onTile([](const TileNumbers& tile) {
-        return tile.x == 0 ? HttpReply::withStatus(429).header("Retry-After", "90")
-                           : tileReply(tile).held();
+    server.onTile([&server](const TileNumbers& tile) {
+        if (tile.x != 0) {
+            return tileReply(tile).held();
+        }
+        server.waitForHeld(1); // the pause begins while the other is under way
+        return HttpReply::withStatus(429).header("Retry-After", "90");
     });
     WebTileLayer layer;
     openWith(server, layer, 3);
     viewOf(0, 0, 2, 1).set(layer);
-    QVERIFY(server.waitForHeld(1));
     QTRY_VERIFY_WITH_TIMEOUT(layer.getSourceState().startsWith("left alone for 90 s"), generous);
     server.release();
     QTRY_COMPARE_WITH_TIMEOUT(int(layer.getPercentComplete()), 50, generous);
