@@ -22,6 +22,18 @@ int wrappedSum(int a, int b)
     return static_cast<int>(static_cast<std::int64_t>(a) + b);
 }
 
+// A client may attach or detach others, or itself, while it is called: whoever stays is called too.
+template <typename Call>
+void forEachAttached(const QList<IClient*>& clients, Call call)
+{
+    const QList<IClient*> attached = clients;
+    for (IClient* client : attached) {
+        if (clients.contains(client)) {
+            call(client);
+        }
+    }
+}
+
 } // namespace
 
 ViewManager::ViewManager(IClient* client)
@@ -199,27 +211,22 @@ void ViewManager::detach(IClient* client)
     client->setGeolinkMode(IClient::GeolinkNone);
 }
 
-// The three loops below count, so that a client may attach or detach while it is called.
 void ViewManager::beginClientUpdate()
 {
     const bool zoom = pointerMode == IClient::Zoom || pointerMode == IClient::ZoomBox;
-    for (int i = 0; i < clients.size(); ++i) {
-        clients.at(i)->beginClientUpdate(zoom);
-    }
+    forEachAttached(clients, [zoom](IClient* client) { client->beginClientUpdate(zoom); });
 }
 
 void ViewManager::endClientUpdate()
 {
-    for (int i = 0; i < clients.size(); ++i) {
-        clients.at(i)->endClientUpdate();
-    }
+    forEachAttached(clients, [](IClient* client) { client->endClientUpdate(); });
 }
 
 void ViewManager::fireExtentChange()
 {
-    for (int i = 0; i < clients.size(); ++i) {
-        clients.at(i)->onExtentChange(tlx, tly, brx, bry, false);
-    }
+    forEachAttached(clients, [this](IClient* client) {
+        client->onExtentChange(tlx, tly, brx, bry, false); // read afresh for each
+    });
 }
 
 void ViewManager::pointerDown(int x, int y)

@@ -128,6 +128,8 @@ private slots:
     void detachTakesTheClientOutOfItsGeolink();
     void clientsAreCalledInTheOrderOfAttachment();
     void aClientMayDetachWhileItIsCalled();
+    void aClientThatLeavesTakesNobodyElsesTurn_data();
+    void aClientThatLeavesTakesNobodyElsesTurn();
     void theExtentsAreReadAfreshForEachClient();
     void theBracketSaysWhetherItZooms_data();
     void theBracketSaysWhetherItZooms();
@@ -649,6 +651,58 @@ void ViewManagerTest::aClientMayDetachWhileItIsCalled()
     QCOMPARE(leaver.log, QStringList({QStringLiteral("geolink(0)")}));
     manager.fireExtentChange();
     QCOMPARE(leaver.log, QStringList({QStringLiteral("geolink(0)")}));
+}
+
+void ViewManagerTest::aClientThatLeavesTakesNobodyElsesTurn_data()
+{
+    QTest::addColumn<QString>("leaves");
+    QTest::newRow("as an interactive change starts") << "begin";
+    QTest::newRow("as the extents change") << "extent";
+    QTest::newRow("as the interactive change is over") << "end";
+}
+
+void ViewManagerTest::aClientThatLeavesTakesNobodyElsesTurn()
+{
+    class Leaver : public RecordingClient
+    {
+    public:
+        void beginClientUpdate(bool) override { leaveAt(QStringLiteral("begin")); }
+        void endClientUpdate() override { leaveAt(QStringLiteral("end")); }
+        void onExtentChange(double, double, double, double, bool) override
+        {
+            leaveAt(QStringLiteral("extent"));
+        }
+        void leaveAt(const QString& call)
+        {
+            if (manager && call == leaves) {
+                manager->detach(this);
+                manager->detach(companion);
+            }
+        }
+        QString leaves;
+        ViewManager* manager = nullptr;
+        IClient* companion = nullptr;
+    };
+    Leaver leaver;
+    RecordingClient companion;
+    RecordingClient stays;
+    ViewManager manager(&leaver);
+    manager.attach(&companion);
+    manager.attach(&stays);
+    QFETCH(QString, leaves);
+    leaver.leaves = leaves;
+    leaver.manager = &manager;
+    leaver.companion = &companion;
+    companion.log.clear();
+    stays.log.clear();
+
+    manager.beginClientUpdate();
+    manager.fireExtentChange();
+    manager.endClientUpdate();
+
+    QCOMPARE(stays.log,
+             QStringList({QStringLiteral("begin(roam)"), startLine, QStringLiteral("end")}));
+    QCOMPARE(companion.log.last(), QStringLiteral("geolink(0)"));
 }
 
 void ViewManagerTest::theExtentsAreReadAfreshForEachClient()
