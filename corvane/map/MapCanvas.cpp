@@ -1,6 +1,7 @@
 #include <corvane/map/MapCanvas.h>
 
 #include <corvane/core/PluginManager.h>
+#include <corvane/map/EachThatStays_p.h>
 #include <corvane/map/Layer.h>
 #include <corvane/map/WholeUnits_p.h>
 
@@ -19,6 +20,16 @@ constexpr int notFound = -1;
 bool isShown(Layer* layer)
 {
     return layer && layer->isVisible() && layer->isValid();
+}
+
+template <typename Call>
+void callEachShown(const QVector<Layer*>& stack, Call call)
+{
+    callEachThatStays(stack, [&call](Layer* layer) {
+        if (isShown(layer)) {
+            call(layer);
+        }
+    });
 }
 
 } // namespace
@@ -41,20 +52,12 @@ MapCanvas::~MapCanvas()
 
 void MapCanvas::beginUpdate(bool zoom)
 {
-    for (Layer* layer : qAsConst(layers)) {
-        if (isShown(layer)) {
-            layer->beginUpdate(zoom);
-        }
-    }
+    callEachShown(layers, [zoom](Layer* layer) { layer->beginUpdate(zoom); });
 }
 
 void MapCanvas::endUpdate()
 {
-    for (Layer* layer : qAsConst(layers)) {
-        if (isShown(layer)) {
-            layer->endUpdate();
-        }
-    }
+    callEachShown(layers, [](Layer* layer) { layer->endUpdate(); });
 }
 
 void MapCanvas::setView(int width, int height, double newTlx, double newTly, double newBrx,
@@ -66,11 +69,9 @@ void MapCanvas::setView(int width, int height, double newTlx, double newTly, dou
     tly = newTly;
     brx = newBrx;
     bry = newBry;
-    for (Layer* layer : qAsConst(layers)) {
-        if (isShown(layer)) {
-            layer->setView(width, height, tlx, tly, brx, bry);
-        }
-    }
+    callEachShown(layers, [this](Layer* layer) {
+        layer->setView(viewWidth, viewHeight, tlx, tly, brx, bry);
+    });
 }
 
 void MapCanvas::setClient(IRendererClient* newClient)

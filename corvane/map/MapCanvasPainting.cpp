@@ -1,5 +1,6 @@
 #include <corvane/map/MapCanvas.h>
 
+#include <corvane/map/EachThatStays_p.h>
 #include <corvane/map/GeoPainter.h>
 #include <corvane/map/Layer.h>
 
@@ -26,11 +27,11 @@ double scaleOf(const QRectF& world, const QRect& device)
 
 void paintSideList(const QVector<Layer*>& side, GeoPainter& painter, QRectF* world, QRect* device)
 {
-    for (Layer* layer : side) {
+    callEachThatStays(side, [&](Layer* layer) {
         if (layer && layer->isVisible() && layer->isValid()) {
             layer->paint(painter, world, device);
         }
-    }
+    });
 }
 
 /// Both limits are exclusive.
@@ -55,11 +56,11 @@ void MapCanvas::paint(GeoPainter& painter, QRectF* world, QRect* device)
     paintSideList(backgroundLayers, painter, world, device);
 
     const double scale = scaleOf(*world, *device);
-    for (Layer* layer : qAsConst(layers)) {
+    callEachThatStays(layers, [&](Layer* layer) {
         if (isShownAtScale(layer, scale)) {
             paintLayer(layer, painter, world, device);
         }
-    }
+    });
     if (drawLayerBBox) {
         drawLayerBoxes(painter, scale);
     }

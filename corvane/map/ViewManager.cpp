@@ -2,6 +2,7 @@
 
 #include <corvane/core/Integer.h>
 #include <corvane/map/DeviceSpan_p.h>
+#include <corvane/map/EachThatStays_p.h>
 
 #include <algorithm>
 #include <cmath>
@@ -20,18 +21,6 @@ constexpr double aspectTolerance = std::numeric_limits<float>::epsilon();
 int wrappedSum(int a, int b)
 {
     return static_cast<int>(static_cast<std::int64_t>(a) + b);
-}
-
-// A client may attach or detach others, or itself, while it is called: whoever stays is called too.
-template <typename Call>
-void forEachAttached(const QList<IClient*>& clients, Call call)
-{
-    const QList<IClient*> attached = clients;
-    for (IClient* client : attached) {
-        if (clients.contains(client)) {
-            call(client);
-        }
-    }
 }
 
 } // namespace
@@ -214,17 +203,17 @@ void ViewManager::detach(IClient* client)
 void ViewManager::beginClientUpdate()
 {
     const bool zoom = pointerMode == IClient::Zoom || pointerMode == IClient::ZoomBox;
-    forEachAttached(clients, [zoom](IClient* client) { client->beginClientUpdate(zoom); });
+    callEachThatStays(clients, [zoom](IClient* client) { client->beginClientUpdate(zoom); });
 }
 
 void ViewManager::endClientUpdate()
 {
-    forEachAttached(clients, [](IClient* client) { client->endClientUpdate(); });
+    callEachThatStays(clients, [](IClient* client) { client->endClientUpdate(); });
 }
 
 void ViewManager::fireExtentChange()
 {
-    forEachAttached(clients, [this](IClient* client) {
+    callEachThatStays(clients, [this](IClient* client) {
         client->onExtentChange(tlx, tly, brx, bry, false); // read afresh for each
     });
 }

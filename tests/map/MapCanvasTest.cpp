@@ -8,6 +8,7 @@
 #include <QUuid>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 
 using Corvane::GeoPainter;
@@ -49,6 +50,8 @@ double scaleOf(const QRectF& worldRect)
 }
 
 } // namespace
+
+Q_DECLARE_METATYPE(std::function<void(MapCanvas&)>)
 
 class MapCanvasTest : public QObject
 {
@@ -94,6 +97,9 @@ private slots:
     void hasTheViewBeforeItsLayersAreTold();
     void aLayerHiddenDuringAChangeOfViewGetsTheNextOne();
     void passesEachUpdateCallOn();
+    void aLayerMayTakeOthersAwayWhileItIsCalled_data();
+    void aLayerMayTakeOthersAwayWhileItIsCalled();
+    void aSideLayerMayLeaveItsListWhileItIsPainted();
 
     void paintsFromTheBottomUpBetweenTheSideLists();
     void passesOverLayersThatAreHiddenInvalidOrMissing();
@@ -732,6 +738,82 @@ void MapCanvasTest::passesEachUpdateCallOn()
 
     QCOMPARE(journal, QStringList({"a beginUpdate zoom", "b beginUpdate zoom", "a beginUpdate roam",
                                    "b beginUpdate roam", "a endUpdate", "b endUpdate"}));
+    canvas.getOverlayLayers().clear();
+}
+
+void MapCanvasTest::aLayerMayTakeOthersAwayWhileItIsCalled_data()
+{
+    QTest::addColumn<std::function<void(MapCanvas&)>>("pass");
+    QTest::addColumn<QString>("call");
+    const auto row = [](const char* name, const std::function<void(MapCanvas&)>& pass,
+                        const QString& call) { QTest::newRow(name) << pass << call; };
+    row(
+        "as a change starts", [](MapCanvas& canvas) { canvas.beginUpdate(true); },
+        "beginUpdate zoom");
+    row(
+        "as a change is over", [](MapCanvas& canvas) { canvas.endUpdate(); }, "endUpdate");
+    row(
+        "as it is told the view",
+        [](MapCanvas& canvas) { canvas.setView(100, 100, 0.0, 2.0, 2.0, 0.0); },
+        "setView 100x100 0 2 2 0");
+    row(
+        "as it is painted", [](MapCanvas& canvas) { paintFrame(canvas); }, "paint");
+}
+
+void MapCanvasTest::aLayerMayTakeOthersAwayWhileItIsCalled()
+{
+    class Remover : public TestLayer
+    {
+    public:
+        explicit Remover(MapCanvas* newCanvas) : canvas(newCanvas) {}
+        void beginUpdate(bool) override { removeBoth(); }
+        void endUpdate() override { removeBoth(); }
+        void setView(int, int, double, double, double, double) override { removeBoth(); }
+        void paint(GeoPainter&, QRectF*, QRect*) override { removeBoth(); }
+
+    private:
+        void removeBoth()
+        {
+            canvas->deleteLayerAt(2);
+            canvas->deleteLayerAt(0);
+        }
+        MapCanvas* canvas;
+    };
+    QFETCH(std::function<void(MapCanvas&)>, pass);
+    QFETCH(QString, call);
+    QStringList journal;
+    MapCanvas canvas(nullptr);
+    canvas.addLayer(new JournalLayer("below", &journal));
+    canvas.addLayer(new Remover(&canvas));
+    canvas.addLayer(new JournalLayer("above", &journal));
+    canvas.addLayer(new JournalLayer("third", &journal));
+    canvas.addLayer(new JournalLayer("top", &journal));
+
+    pass(canvas);
+
+    QCOMPARE(journal, QStringList({"below " + call, "above gone", "below gone", "third " + call,
+                                   "top " + call}));
+}
+
+void MapCanvasTest::aSideLayerMayLeaveItsListWhileItIsPainted()
+{
+    class Leaver : public TestLayer
+    {
+    public:
+        void paint(GeoPainter&, QRectF*, QRect*) override { side->removeOne(this); }
+        QVector<Layer*>* side = nullptr;
+    };
+    QStringList journal;
+    Leaver leaver;
+    JournalLayer second("second", &journal);
+    JournalLayer last("last", &journal);
+    MapCanvas canvas(nullptr);
+    leaver.side = &canvas.getOverlayLayers();
+    *leaver.side << &leaver << &second << &last;
+
+    paintFrame(canvas);
+
+    QCOMPARE(journal, QStringList({"second paint", "last paint"}));
     canvas.getOverlayLayers().clear();
 }
 
