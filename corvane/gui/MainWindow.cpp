@@ -35,9 +35,18 @@ QString inGroup(const char* key)
     return QLatin1String(settingsGroup) + QLatin1Char('/') + QLatin1String(key);
 }
 
+/// Null where the application object is Qt's own.
 QSettings* settings()
 {
-    return Application::instance()->getSettings();
+    Application* const application = Application::instance();
+    return application ? application->getSettings() : nullptr;
+}
+
+/// A null value where there is neither the key nor a default.
+QVariant setting(const QString& key, const QVariant& defaultValue = QVariant())
+{
+    const QSettings* const store = settings();
+    return store ? store->value(key, defaultValue) : defaultValue;
 }
 
 QIcon iconOf(const QString& fileName)
@@ -129,8 +138,8 @@ void MainWindow::fillMenu(QMenu* menu, const QDomElement& element)
 
 bool MainWindow::buildToolBars(QString& fileName)
 {
-    const QSize iconSize = settings()->value(inGroup(iconSizeKey), firstToolIconSize).toSize();
-    const int style = settings()->value(inGroup(buttonStyleKey), Qt::ToolButtonIconOnly).toInt();
+    const QSize iconSize = setting(inGroup(iconSizeKey), firstToolIconSize).toSize();
+    const int style = setting(inGroup(buttonStyleKey), Qt::ToolButtonIconOnly).toInt();
     if (tellIfMissing(fileName, tr("Error"))) {
         return true; // unlike the others: a program without a tool bar file goes on
     }
@@ -230,7 +239,7 @@ void MainWindow::bindCallback(QAction* action, const QDomElement& element)
         action->setCheckable(checkable == QLatin1String("true"));
         if (element.hasAttribute(QStringLiteral("pref"))) {
             const QString key = element.attribute(QStringLiteral("pref"));
-            action->setChecked(settings()->value(key, false).toBool());
+            action->setChecked(setting(key, false).toBool());
         }
     }
     // even "false" selects toggled
@@ -242,6 +251,9 @@ void MainWindow::bindCallback(QAction* action, const QDomElement& element)
 void MainWindow::saveGuiPrefs()
 {
     QSettings* const store = settings();
+    if (!store) {
+        return;
+    }
     store->beginGroup(QLatin1String(settingsGroup));
     store->setValue(QLatin1String(geometryKey), saveGeometry());
     store->setValue(QLatin1String(barsKey), saveState(barsVersion));
@@ -252,23 +264,20 @@ void MainWindow::saveGuiPrefs()
 
 void MainWindow::restoreGuiPrefs()
 {
-    QSettings* const store = settings();
-    store->beginGroup(QLatin1String(settingsGroup));
-    const QVariant geometry = store->value(QLatin1String(geometryKey));
+    const QVariant geometry = setting(inGroup(geometryKey));
     if (geometry.isNull()) {
         resize(firstSize.expandedTo(sizeHint()));
     } else {
         restoreGeometry(geometry.toByteArray());
     }
-    const QVariant bars = store->value(QLatin1String(barsKey));
+    const QVariant bars = setting(inGroup(barsKey));
     if (bars.isValid()) {
         restoreState(bars.toByteArray(), barsVersion);
     }
-    const int style = store->value(QLatin1String(buttonStyleKey), 0).toInt();
+    const int style = setting(inGroup(buttonStyleKey), 0).toInt();
     setToolButtonStyle(static_cast<Qt::ToolButtonStyle>(style));
     // Without the key the size is invalid and the style's own holds, not that of the tool bars.
-    setIconSize(store->value(QLatin1String(iconSizeKey)).toSize());
-    store->endGroup();
+    setIconSize(setting(inGroup(iconSizeKey)).toSize());
 }
 
 void MainWindow::openScriptEditor(QString&) {}
