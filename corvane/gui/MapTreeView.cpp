@@ -142,7 +142,7 @@ void MapTreeView::initSelection()
 {
     QTreeWidgetItem* const first =
         mapView && mapView->getNumberOfLayers() > 0 ? rootItem->child(0) : nullptr;
-    Layer* const layer = first ? layerOf(first) : nullptr;
+    QPointer<Layer> layer = first ? layerOf(first) : nullptr; // a host may delete it at the first
     if (layer) {
         first->setSelected(true);
     }

@@ -209,7 +209,8 @@ void MapTreeView::dropEvent(QDropEvent* event)
                              QMessageBox::Ok);
         return;
     }
-    const QList<QUrl> urls = event->mimeData()->urls();
+    const QMimeData* const files = event->mimeData();
+    const QList<QUrl> urls = files ? files->urls() : QList<QUrl>();
     for (const QUrl& url : urls) {
         addFile(url.toLocalFile());
     }

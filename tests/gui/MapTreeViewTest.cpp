@@ -143,6 +143,8 @@ private slots:
     void noActiveWindowEmptiesTheTreeWhileTheProgramIsInFront();
     void theTreeIsKeptWhileAnotherProgramIsInFront();
     void aMapThatGoesDoesNoHarm();
+    void aLayerThatGoesAtItsAnnouncementIsNotAnnouncedAgain();
+    void aDropWithoutDataMakesTheTreeAnew();
 
     void picturesOfTheTree();
 
@@ -1096,6 +1098,35 @@ void MapTreeViewTest::aMapThatGoesDoesNoHarm()
     QCOMPARE(tree->topLevelItemCount(), 1);
     tree->setMapView(nullptr);
     QCOMPARE(tree->topLevelItemCount(), 0);
+}
+
+void MapTreeViewTest::aLayerThatGoesAtItsAnnouncementIsNotAnnouncedAgain()
+{
+    add<TestLayer>("bottom");
+    Map::Layer* const top = add<TestLayer>("top");
+    const auto host = connect(tree.get(), &MapTreeView::layerActivated, view.get(),
+                              [this, top](Map::Layer* layer) {
+                                  if (layer == top) {
+                                      view->deleteLayer(layer);
+                                  }
+                              });
+    tree->setMapView(view.get());
+    disconnect(host);
+    QCOMPARE(takeJournal(), QStringList({"layer top", "map -", "layer -"}));
+    QCOMPARE(stacked(*view), QStringList({"bottom"}));
+}
+
+void MapTreeViewTest::aDropWithoutDataMakesTheTreeAnew()
+{
+    fill();
+    add<TestLayer>("new");
+    const QPoint position(10, 10);
+    QDragEnterEvent enter(position, Qt::CopyAction, nullptr, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(tree->viewport(), &enter);
+    QDropEvent drop(position, Qt::CopyAction, nullptr, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(tree->viewport(), &drop);
+    QVERIFY(drop.isAccepted());
+    QCOMPARE(listed(*tree), QStringList({"[new]", "top", "vector", "raster"}));
 }
 
 void MapTreeViewTest::picturesOfTheTree()
