@@ -2,6 +2,7 @@
 
 #include <corvane/core/PluginManager.h>
 #include <corvane/map/Layer.h>
+#include <corvane/map/LayerPointer_p.h>
 #include <corvane/map/MapCanvas.h>
 #include <corvane/map/MapView.h>
 
@@ -26,6 +27,7 @@ MapTreeView::MapTreeView(QWidget* parent)
       layerMenu(this),
       mapContextMenu(this)
 {
+    registerLayerPointer();
     header()->hide();
     setAcceptDrops(true);
     setSelectionMode(QAbstractItemView::SingleSelection);

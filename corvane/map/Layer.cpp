@@ -2,6 +2,7 @@
 
 #include <corvane/core/Application.h>
 #include <corvane/map/IRendererClient.h>
+#include <corvane/map/LayerPointer_p.h>
 
 #include <QDateTime>
 #include <QDir>
@@ -10,6 +11,7 @@
 #include <QFileInfo>
 #include <QMetaObject>
 #include <QMetaProperty>
+#include <QMetaType>
 #include <QUrl>
 #include <QVariant>
 
@@ -64,6 +66,12 @@ void setStoredProperty(QObject& object, const QString& name, const QString& text
 }
 
 } // namespace
+
+void registerLayerPointer()
+{
+    qRegisterMetaType<Layer*>("Layer*");
+    qRegisterMetaType<Layer*>("Map::Layer*");
+}
 
 Layer::Layer(IRendererClient* client)
     : uid(QUuid::createUuid()),

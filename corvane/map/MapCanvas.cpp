@@ -3,6 +3,7 @@
 #include <corvane/core/PluginManager.h>
 #include <corvane/map/EachThatStays_p.h>
 #include <corvane/map/Layer.h>
+#include <corvane/map/LayerPointer_p.h>
 #include <corvane/map/WholeUnits_p.h>
 
 #include <QUuid>
@@ -41,6 +42,7 @@ MapCanvas::MapCanvas(QObject* parent)
       mapBBoxColor(255, 0, 0, 255),
       layerBBoxColor(0, 255, 255, 255)
 {
+    registerLayerPointer();
 }
 
 MapCanvas::~MapCanvas()

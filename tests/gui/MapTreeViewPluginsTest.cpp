@@ -38,6 +38,7 @@ private slots:
     void init();
     void cleanup();
 
+    void aSpyFromBeforeTheFirstMapSeesTheActivatedLayer();
     void theAddMenuHoldsTheActionsOfThePlugins();
     void aLayerIsMadeWithThePluginsDialogsAndPutOnTop();
     void aLayerIsMadeAndDroppedWithoutAMap();
@@ -70,6 +71,7 @@ private:
 
     QTemporaryDir folder;
     std::unique_ptr<MapTreeView> tree;
+    std::unique_ptr<QSignalSpy> activated;
     std::unique_ptr<MapView> view;
     std::unique_ptr<DialogAnswers> answers;
     std::unique_ptr<QMimeData> data;
@@ -78,7 +80,6 @@ private:
 
 void MapTreeViewPluginsTest::initTestCase()
 {
-    qRegisterMetaType<Map::Layer*>("Layer*");
     QVERIFY(folder.isValid());
     QVERIFY(makeRaster(folder.filePath("image.tif"), RasterRecipe()));
     QVERIFY(makeLandscape(folder.filePath("landscape.geojson")));
@@ -87,6 +88,7 @@ void MapTreeViewPluginsTest::initTestCase()
     QVERIFY(QFile::link(CORVANE_RASTER_PLUGIN, plugins.path("corvane-raster" PLUGIN_SUFFIX)));
     QVERIFY(QFile::link(CORVANE_VECTOR_PLUGIN, plugins.path("corvane-vector" PLUGIN_SUFFIX)));
     tree = std::make_unique<MapTreeView>(nullptr);
+    activated = std::make_unique<QSignalSpy>(tree.get(), &MapTreeView::layerActivated);
     tree->setObjectName("tree");
     tree->resize(260, 240);
     tree->show();
@@ -113,6 +115,18 @@ void MapTreeViewPluginsTest::cleanup()
         tree->setMapView(nullptr);
     }
     view.reset();
+}
+
+void MapTreeViewPluginsTest::aSpyFromBeforeTheFirstMapSeesTheActivatedLayer()
+{
+    tree->onAddLayer("TestVectorLayer");
+    Map::Layer* const layer = view->getMapCanvas()->getLayerAt(0);
+    activated->clear();
+
+    emit tree->layerActivated(layer);
+
+    QCOMPARE(activated->count(), 1);
+    QCOMPARE(activated->at(0).at(0).value<Map::Layer*>(), layer);
 }
 
 void MapTreeViewPluginsTest::theAddMenuHoldsTheActionsOfThePlugins()

@@ -179,7 +179,6 @@ private:
 
 void MapTreeViewTest::init()
 {
-    qRegisterMetaType<Map::Layer*>("Layer*");
     view = makeView(Motion::Direct);
     tree = std::make_unique<MapTreeView>(nullptr);
     tree->setObjectName("tree");

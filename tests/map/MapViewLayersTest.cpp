@@ -2,10 +2,12 @@
 
 #include <corvane/map/MapCanvas.h>
 
+#include <QSignalSpy>
 #include <QUuid>
 
 using Corvane::Map::Layer;
 using Corvane::Map::MapView;
+namespace Map = Corvane::Map;
 
 namespace {
 
@@ -88,6 +90,9 @@ private slots:
 
     void movingALayerTellsWhatLiesAtTheTarget_data();
     void movingALayerTellsWhatLiesAtTheTarget();
+
+    void aSpySeesTheLayerOfASignal();
+    void aCallWithALayerCanBeQueuedByName();
 
     void handsQuestionsToTheCanvas();
 };
@@ -323,6 +328,30 @@ void MapViewLayersTest::movingALayerTellsWhatLiesAtTheTarget()
     QCOMPARE(j.journal, QStringList({"layerMoved " + told}));
     QCOMPARE(j.order(), order);
     QVERIFY(j.view->repaints());
+}
+
+void MapViewLayersTest::aSpySeesTheLayerOfASignal()
+{
+    JournalView j;
+    QSignalSpy added(j.view.get(), &MapView::layerAdded);
+    auto* layer = new JournalLayer("a", &j.journal);
+
+    j.view->addLayer(layer);
+
+    QCOMPARE(added.count(), 1);
+    QCOMPARE(added.at(0).at(0).value<Layer*>(), static_cast<Layer*>(layer));
+}
+
+void MapViewLayersTest::aCallWithALayerCanBeQueuedByName()
+{
+    JournalView j({"a"});
+    Layer* layer = j.view->getLayerAt(0);
+
+    QVERIFY(QMetaObject::invokeMethod(j.view.get(), "setLayerSelection", Qt::QueuedConnection,
+                                      Q_ARG(Map::Layer*, layer)));
+    QCoreApplication::processEvents();
+
+    QCOMPARE(j.view->getLayerSelection(), layer);
 }
 
 void MapViewLayersTest::handsQuestionsToTheCanvas()
