@@ -28,6 +28,7 @@ MapTreeView::MapTreeView(QWidget* parent)
       mapContextMenu(this)
 {
     registerLayerPointer();
+    qRegisterMetaType<MapView*>("Map::MapView*"); // as mapActivated spells it, for spies
     header()->hide();
     setAcceptDrops(true);
     setSelectionMode(QAbstractItemView::SingleSelection);

@@ -67,6 +67,7 @@ private slots:
 
     void aNewTreeIsEmptyAndTakesDrops();
     void theSlotsAreFoundByName();
+    void whatIsAnnouncedCanBeReadByASpy();
     void aHostMayAddActionsOfItsOwn();
     void theMenusHoldTheirActions();
     void theActionsHaveTheirPictures_data();
@@ -257,6 +258,17 @@ void MapTreeViewTest::theSlotsAreFoundByName()
                      "moveLayerUp()", "moveLayerDown()", "moveLayerToTop()", "moveLayerToBottom()",
                      "deleteLayer()", "zoomToLayer()", "zoomToLayer1To1()", "zoomToAll()",
                      "commitData(QWidget*) protected"}));
+}
+
+void MapTreeViewTest::whatIsAnnouncedCanBeReadByASpy()
+{
+    fill();
+    const QSignalSpy layers(tree.get(), &MapTreeView::layerActivated);
+    const QSignalSpy maps(tree.get(), &MapTreeView::mapActivated);
+    clickOn(*tree, item("vector"));
+    clickOn(*tree, rootOf(*tree));
+    QCOMPARE(layers.value(0).value(0).value<Map::Layer*>(), view->getLayerAt(1));
+    QCOMPARE(maps.last().value(0).value<MapView*>(), view.get());
 }
 
 // As to any other widget: no name in the tree hides the function.
