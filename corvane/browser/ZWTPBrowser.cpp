@@ -119,11 +119,15 @@ ZWTPBrowser::~ZWTPBrowser()
 
 QString ZWTPBrowser::getZwtpUrl(QWidget* parent, BrowserProtocol protocol)
 {
-    ZWTPBrowser dialog(parent, protocol);
-    dialog.ui->buttonBox->setStandardButtons(QDialogButtonBox::Ok | QDialogButtonBox::Close);
-    dialog.ui->addButton->setVisible(true);
-    dialog.showModeTexts();
-    return dialog.exec() == QDialog::Accepted ? dialog.getUrl() : QString();
+    // The parent may go while it is open.
+    const QPointer<ZWTPBrowser> dialog(new ZWTPBrowser(parent, protocol));
+    dialog->ui->buttonBox->setStandardButtons(QDialogButtonBox::Ok | QDialogButtonBox::Close);
+    dialog->ui->addButton->setVisible(true);
+    dialog->showModeTexts();
+    const bool isAccepted = dialog->exec() == QDialog::Accepted && dialog;
+    const QString url = isAccepted ? dialog->getUrl() : QString();
+    delete dialog;
+    return url;
 }
 
 QString ZWTPBrowser::getUserName()

@@ -6,6 +6,7 @@
 #include <corvane/browser/ServerReply_p.h>
 
 #include <QNetworkReply>
+#include <QPointer>
 #include <QSignalBlocker>
 #include <QStringListModel>
 #include <QUrlQuery>
@@ -83,11 +84,16 @@ void ZWTPBrowser::showInfo(QNetworkReply* reply, const QDomDocument& description
                 "server administrator."));
         return;
     }
-    KRSServerInfo dialog(this);
-    fill(dialog, description, reply->url());
+    const QPointer<ZWTPBrowser> self(this);
+    const QPointer<KRSServerInfo> dialog(new KRSServerInfo(this));
+    fill(*dialog, description, reply->url());
     updateServerHistory(reply->url());
     WaitCursor::end(reply);
-    dialog.exec();
+    dialog->exec();
+    if (!self) {
+        return; // gone while it was shown, and the dialog and the reply with it
+    }
+    delete dialog;
     endWait(reply);
 }
 

@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QTextEdit>
 #include <QtTest>
@@ -45,6 +46,7 @@ private slots:
     void theBrowserIsDisabledUntilTheDescriptionIsClosed();
     void theDescriptionLeavesTreeServicesAndBuildAlone();
     void theServerIsRememberedBeforeTheDescriptionShows();
+    void theBrowserMayGoWhileTheDescriptionShows();
 };
 
 void ZWTPBrowserInfoTest::theServerIsDescribed()
@@ -197,6 +199,24 @@ void ZWTPBrowserInfoTest::theServerIsRememberedBeforeTheDescriptionShows()
     stage.click("infoButton");
     QVERIFY(stage.comesIdle());
     QCOMPARE(entries, QStringList({"http://localhost:8460/", stage.address()}));
+}
+
+void ZWTPBrowserInfoTest::theBrowserMayGoWhileTheDescriptionShows()
+{
+    BrowserStage stage;
+    stage.server.on(BrowserStage::discoveryPath, HttpReply::data("<krsinfo/>"));
+    QPointer<QDialog> description;
+    stage.answers.expect([&](QDialog& dialog) {
+        description = &dialog;
+        stage.closeBrowser();
+    });
+    stage.type("serverNameCombo", stage.address());
+    stage.click("infoButton");
+    QVERIFY(comesTrue([&stage] { return stage.answers.isDone(); }));
+    QCoreApplication::processEvents();
+    QVERIFY(!description);
+    QVERIFY(!QApplication::overrideCursor());
+    QCOMPARE(stage.answers.shown, QStringList({"dialog ORIVEX Core Server Information"}));
 }
 
 BROWSER_TEST_MAIN(ZWTPBrowserInfoTest)

@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMetaMethod>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -20,6 +21,7 @@
 #include <QTreeWidget>
 #include <QtTest>
 
+#include <memory>
 #include <type_traits>
 
 using namespace Corvane;
@@ -102,6 +104,7 @@ private slots:
     void theCallerGetsTheUrlOfADoubleClick_data();
     void theCallerGetsTheUrlOfADoubleClick();
     void theCallerGetsNothingOnEscape();
+    void theCallerGetsNothingWhereTheParentGoes();
     void theCallersDialogShowsOkAndAdd();
     void addInTheCallersDialogOnlyRecords();
     void theOptionsAreNotSeenInTheCallersDialog();
@@ -614,6 +617,22 @@ void ZWTPBrowserTest::theCallerGetsNothingOnEscape()
     });
     QVERIFY(ZWTPBrowser::getZwtpUrl(nullptr, ProtocolZWTP).isNull());
     QCOMPARE(settings().value("ZWTPChooser/ZwtpUrls").toStringList(), QStringList());
+}
+
+void ZWTPBrowserTest::theCallerGetsNothingWhereTheParentGoes()
+{
+    BrowserStage stage;
+    stage.closeBrowser();
+    auto parent = std::make_unique<QWidget>();
+    QPointer<ZWTPBrowser> browser;
+    onNextBrowser(stage.answers, [&](ZWTPBrowser& dialog) {
+        browser = &dialog;
+        type(dialog, "zwtpCombo", "zwtp://host/image.jp2");
+        parent.reset();
+    });
+    QVERIFY(ZWTPBrowser::getZwtpUrl(parent.get(), ProtocolZWTP).isNull());
+    QVERIFY(stage.answers.isDone());
+    QVERIFY(!browser);
 }
 
 void ZWTPBrowserTest::theCallersDialogShowsOkAndAdd()
