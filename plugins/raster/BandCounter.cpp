@@ -93,7 +93,8 @@ void BandCounter::addWhole(const double* values, const unsigned char* valid, std
 }
 
 // Mean and squares of the piece first, then joined with those of the pieces before it: stable, and
-// without a division for each value.
+// without a division for each value. The first mean lacks what summing has rounded away, which the
+// distances from it bring back.
 void BandCounter::addDeep(const double* values, const unsigned char* valid, std::size_t count)
 {
     unsigned long long pieceTotal = 0;
@@ -112,13 +113,19 @@ void BandCounter::addDeep(const double* values, const unsigned char* valid, std:
         return;
     }
     const auto pieceCount = static_cast<double>(pieceTotal);
-    const double pieceMean = sum / pieceCount;
+    const double roundedMean = sum / pieceCount;
+    double distances = 0.0;
     double pieceSquares = 0.0;
     for (std::size_t i = 0; i < count; ++i) {
         if (counts(values[i], valid, i)) {
-            pieceSquares += (values[i] - pieceMean) * (values[i] - pieceMean);
+            const double fromMean = values[i] - roundedMean;
+            distances += fromMean;
+            pieceSquares += fromMean * fromMean;
         }
     }
+    const double lack = distances / pieceCount;
+    const double pieceMean = roundedMean + lack;
+    pieceSquares = std::max(pieceSquares - lack * distances, 0.0); // below zero by rounding only
     const auto before = static_cast<double>(total);
     const double all = before + pieceCount;
     const double distance = pieceMean - mean;

@@ -63,6 +63,7 @@ private slots:
     void aSampleIsAnOverviewThatIsLargeEnough();
     void aSampleWithoutOverviewsIsReduced();
     void aBandOfOneValueIsCountedInOneBin();
+    void aSmallSpreadFarFromZeroIsExact();
     void nothingValidGivesNothing();
     void aLayerWithoutASourceGivesNothing();
     void bandsAreNamedByTheirColours();
@@ -313,6 +314,36 @@ void RasterStatisticsTest::aBandOfOneValueIsCountedInOneBin()
         QCOMPARE(histogram.median, 42.0);
         QCOMPARE(histogram.mode, 42.0);
     }
+}
+
+// A mean that is off in its last digits only would already spoil the deviation.
+void RasterStatisticsTest::aSmallSpreadFarFromZeroIsExact()
+{
+    RasterRecipe what;
+    what.size = QSize(64, 48);
+    what.bands = 1;
+    what.type = GDT_Float64;
+    what.value = [](int, int x, int y) { return 1e9 + (y * 64 + x) % 7 * 1e-3; };
+    GdalRasterLayer layer;
+    QVERIFY(layer.setDataSource(write(what)));
+    QTRY_VERIFY(layer.isValid());
+    const Histogram histogram = whole(layer).first();
+
+    double mean = 0.0; // above 1e9
+    double squares = 0.0;
+    for (int i = 0; i < 64 * 48; ++i) {
+        mean += (what.value(1, i % 64, i / 64) - 1e9) / (64 * 48);
+    }
+    for (int i = 0; i < 64 * 48; ++i) {
+        const double distance = what.value(1, i % 64, i / 64) - 1e9 - mean;
+        squares += distance * distance;
+    }
+    QCOMPARE(histogram.mean, 1e9 + mean);
+    const double deviation = std::sqrt(squares / (64 * 48));
+    QVERIFY2(std::abs(histogram.standardDeviation - deviation) <= 1e-9 * deviation,
+             qPrintable(QString("%1 %2")
+                            .arg(histogram.standardDeviation, 0, 'g', 17)
+                            .arg(deviation, 0, 'g', 17)));
 }
 
 void RasterStatisticsTest::nothingValidGivesNothing()
