@@ -38,7 +38,8 @@ std::optional<Transform> geoTransform(GDALDatasetH dataset)
     Transform t{};
     const Transform nothing{0.0, 1.0, 0.0, 0.0, 0.0, 1.0};
     if (GDALGetGeoTransform(dataset, t.data()) != CE_None || t == nothing ||
-        t[1] * t[5] - t[2] * t[4] == 0.0)
+        t[1] * t[5] - t[2] * t[4] == 0.0 ||
+        !std::all_of(t.begin(), t.end(), [](double term) { return std::isfinite(term); }))
     {
         return std::nullopt;
     }

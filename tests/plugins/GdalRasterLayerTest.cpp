@@ -127,6 +127,8 @@ private slots:
     void opaqueTilesAreRgb32AndOthersPremultiplied();
 
     void anImageWithoutPlaceHasPixelCoordinatesWithYUp();
+    void aPlaceThatIsNotFiniteIsNone_data();
+    void aPlaceThatIsNotFiniteIsNone();
     void aSouthUpImageIsTurnedOver();
     void aMirroredImageIsTurnedOver();
     void aRotatedImageLiesNorthUpAndIsTransparentAround();
@@ -411,6 +413,30 @@ void GdalRasterLayerTest::anImageWithoutPlaceHasPixelCoordinatesWithYUp()
     const QImage picture = complete(layer, {400, 300, 0, 0, 1.0});
     const Dataset dataset = openRaster(path);
     QCOMPARE(firstDifference(picture, dataset.get(), 0, 0), QString());
+}
+
+void GdalRasterLayerTest::aPlaceThatIsNotFiniteIsNone_data()
+{
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    QTest::addColumn<QVector<double>>("transform");
+    QTest::newRow("not a number") << QVector<double>{nan, 2.0, 0.0, 5000.0, 0.0, -2.0};
+    QTest::newRow("infinite") << QVector<double>{1000.0, infinite, 0.0, 5000.0, 0.0, -2.0};
+}
+
+// Its bounds would make those of the whole map no numbers, and hide every other layer.
+void GdalRasterLayerTest::aPlaceThatIsNotFiniteIsNone()
+{
+    QFETCH(QVector<double>, transform);
+    RasterRecipe what = recipe(QSize(60, 40), 1);
+    what.transform.assign(transform.begin(), transform.end());
+    GdalRasterLayer layer;
+    QVERIFY(layer.setDataSource(write("unplaced", what)));
+    QTRY_VERIFY(layer.isValid());
+    QCOMPARE(layer.getBounds(), QRectF(0.0, 40.0, 60.0, -40.0));
+    const QImage picture = complete(layer, {60, 40, 0, 0, 1.0});
+    const int grey = static_cast<int>(plainValue(1, 59, 38));
+    QCOMPARE(picture.pixel(59, 38), qRgb(grey, grey, grey));
 }
 
 void GdalRasterLayerTest::aSouthUpImageIsTurnedOver()
