@@ -2,6 +2,7 @@
 
 #include <plugins/raster/RasterFacts.h>
 
+#include <cpl_string.h>
 #include <gdal_utils.h>
 
 #include <atomic>
@@ -16,10 +17,12 @@ namespace {
 constexpr int mostIdleHandles = 200;
 std::atomic<int> idleHandles{0};
 
-// A container without an image of its own stands for its first image.
+// A container without an image of its own stands for its first image. Some drivers offer the list
+// only as a whole, not item by item.
 QString firstSubdataset(GDALDatasetH dataset)
 {
-    return QString::fromUtf8(GDALGetMetadataItem(dataset, "SUBDATASET_1_NAME", "SUBDATASETS"));
+    char** const images = GDALGetMetadata(dataset, "SUBDATASETS");
+    return QString::fromUtf8(CSLFetchNameValue(images, "SUBDATASET_1_NAME"));
 }
 
 // The first one has half the size of the image, as many bands, and the others within.

@@ -146,6 +146,7 @@ private slots:
     void aDocumentIsToldWhatCouldNotBeOpened_data();
     void aDocumentIsToldWhatCouldNotBeOpened();
 
+    void aContainerStandsForItsFirstImage();
     void aMissingFileFailsAtOnceWithOneLine();
     void aFileThatIsNoImageFailsWithOneLine();
     void anotherSourceReplacesTheFirst();
@@ -739,6 +740,31 @@ void GdalRasterLayerTest::aDocumentIsToldWhatCouldNotBeOpened()
     next.readXML(element, base, &errors);
     QCOMPARE(errors, line + '\n' + line);
     QVERIFY(GdalRasterLayer().readXML(element, base, nullptr));
+}
+
+// This driver offers the list of its images only as a whole.
+void GdalRasterLayerTest::aContainerStandsForItsFirstImage()
+{
+    GDALDriverH driver = GDALGetDriverByName("netCDF");
+    if (!driver) {
+        QSKIP("GDAL has no driver for a container of this kind");
+    }
+    const Dataset colour = openRaster(write("manifold", recipe(QSize(60, 40))));
+    QVERIFY(colour);
+    const QString path = folder.filePath("container.nc");
+    Dataset container(GDALCreateCopy(driver, path.toUtf8().constData(), colour.get(), FALSE,
+                                     nullptr, nullptr, nullptr));
+    QVERIFY(container);
+    container.reset();
+
+    GdalRasterLayer layer;
+    QVERIFY2(layer.setDataSource(path), qPrintable(layer.getLastError()));
+    QTRY_VERIFY2(layer.isValid(), qPrintable(layer.getLastError()));
+    QCOMPARE(layer.getSize(), QSize(60, 40));
+    QCOMPARE(layer.getNumberOfBands(), 1);
+    const QImage picture = complete(layer, {60, 40, 0, 0, 1.0});
+    const int grey = static_cast<int>(plainValue(1, 59, 38));
+    QCOMPARE(picture.pixel(59, 38), qRgb(grey, grey, grey));
 }
 
 void GdalRasterLayerTest::aMissingFileFailsAtOnceWithOneLine()
