@@ -65,11 +65,7 @@ bool BandCounter::counts(double value, const unsigned char* valid, std::size_t i
     if (valid && valid[index] == 0) {
         return false;
     }
-    const bool noData =
-        facts.hasNoData &&
-        (facts.type == GDT_Float32 ? static_cast<float>(value) == static_cast<float>(facts.noData)
-                                   : value == facts.noData);
-    return std::isfinite(value) && !noData;
+    return std::isfinite(value) && !facts.isNoData(value);
 }
 
 void BandCounter::add(const double* values, const unsigned char* valid, std::size_t count)

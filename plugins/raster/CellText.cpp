@@ -115,11 +115,7 @@ bool isNoDataCell(const BandFacts& band, GDALRasterBandH handle, const void* val
                has != 0;
     }
     const double real = realPart(band, value);
-    if (std::isnan(band.noData)) {
-        return std::isnan(real);
-    }
-    const bool single = band.type == GDT_Float32 || band.type == GDT_CFloat32;
-    return real == (single ? double(static_cast<float>(band.noData)) : band.noData);
+    return std::isnan(band.noData) ? std::isnan(real) : band.isNoData(real);
 }
 
 QString cellTypeName(const BandFacts& band)

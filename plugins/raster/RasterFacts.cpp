@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <functional>
 #include <optional>
 
@@ -62,6 +63,29 @@ QString metadata(GDALMajorObjectH object, const char* key, const char* domain)
     return QString::fromUtf8(GDALGetMetadataItem(object, key, domain));
 }
 
+// What is written with more digits than floats have is the nearest float. The outermost float is often
+// written with fewer digits, and then stands a little before the end of the range: all beyond is none.
+void setNoDataRange(BandFacts& facts)
+{
+    constexpr double outermost = std::numeric_limits<float>::max();
+    constexpr double nearlyOutermost = 3.39e38; // a little below 3.4e38 as a float
+    facts.noDataLow = facts.noData;
+    facts.noDataHigh = facts.noData;
+    const bool isSingle = facts.type == GDT_Float32 || facts.type == GDT_CFloat32;
+    if (!isSingle || !(std::abs(facts.noData) <= outermost)) {
+        return;
+    }
+    facts.noDataLow = static_cast<double>(static_cast<float>(facts.noData));
+    facts.noDataHigh = facts.noDataLow;
+    if (facts.noData >= nearlyOutermost) {
+        facts.noDataLow = nearlyOutermost;
+        facts.noDataHigh = outermost;
+    } else if (facts.noData <= -nearlyOutermost) {
+        facts.noDataLow = -outermost;
+        facts.noDataHigh = -nearlyOutermost;
+    }
+}
+
 BandFacts bandFacts(GDALRasterBandH band)
 {
     BandFacts facts;
@@ -73,6 +97,7 @@ BandFacts bandFacts(GDALRasterBandH band)
     int hasNoData = 0;
     facts.noData = GDALGetRasterNoDataValue(band, &hasNoData);
     facts.hasNoData = hasNoData != 0;
+    setNoDataRange(facts);
     return facts;
 }
 

@@ -21,10 +21,17 @@ struct BandFacts
     bool isSignedByte = false;
     GDALColorInterp meaning = GCI_Undefined;
     bool hasNoData = false;
-    double noData = 0.0;
+    double noData = 0.0;     ///< as the source gives it
+    double noDataLow = 0.0;  ///< the values from here
+    double noDataHigh = 0.0; ///< to here stand for it
     QString description;
 
     bool isPlainByte() const { return type == GDT_Byte && !isSignedByte; }
+    /// False for NaN, whatever stands for no data.
+    bool isNoData(double value) const
+    {
+        return hasNoData && value >= noDataLow && value <= noDataHigh;
+    }
     /// "Red", "Gray", else the description; may be empty.
     QString name() const;
 };

@@ -319,7 +319,6 @@ bool TileReader::readStretched(const Window& window, const RasterHandle& handle,
             return false;
         }
         const GreyScale<Value> scale(*range);
-        const auto noData = static_cast<Value>(band.noData);
         const int shift = plan.bands.size() == 1 ? 0 : 16 - 8 * static_cast<int>(b);
         const QRgb spread = plan.bands.size() == 1 ? 0x010101U : 1U << shift;
         for (std::size_t i = 0; i < pixels; ++i) {
@@ -327,7 +326,7 @@ bool TileReader::readStretched(const Window& window, const RasterHandle& handle,
             if (band.isSignedByte && value > Value{127}) {
                 value -= Value{256};
             }
-            const bool isValid = !std::isnan(value) && !(band.hasNoData && value == noData);
+            const bool isValid = !std::isnan(value) && !band.isNoData(value);
             valid[i] = static_cast<unsigned char>(valid[i] | (isValid ? 255 : 0));
             const QRgb grey = isValid ? scale(value) : 0U;
             out[i] = (b == 0 ? 0xff000000U : out[i]) | grey * spread;

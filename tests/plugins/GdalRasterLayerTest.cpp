@@ -122,6 +122,8 @@ private slots:
     void aMaskMakesPixelsTransparent();
     void noDataMakesPixelsTransparent_data();
     void noDataMakesPixelsTransparent();
+    void theOutermostFloatIsNoDataHoweverManyDigitsItIsWrittenWith_data();
+    void theOutermostFloatIsNoDataHoweverManyDigitsItIsWrittenWith();
     void deepValuesAreSpreadBetweenTheOuterTwoPercent_data();
     void deepValuesAreSpreadBetweenTheOuterTwoPercent();
     void opaqueTilesAreRgb32AndOthersPremultiplied();
@@ -351,6 +353,40 @@ void GdalRasterLayerTest::noDataMakesPixelsTransparent()
     QCOMPARE(qAlpha(picture.pixel(99, 100)), 0);
     QCOMPARE(qAlpha(picture.pixel(100, 100)), 255);
     QCOMPARE(qAlpha(picture.pixel(250, 100)), 255);
+}
+
+void GdalRasterLayerTest::theOutermostFloatIsNoDataHoweverManyDigitsItIsWrittenWith_data()
+{
+    QTest::addColumn<double>("written");
+    QTest::addColumn<double>("value");
+    const double outermost = std::numeric_limits<float>::max();
+    QTest::newRow("six digits") << -3.40282e38 << -outermost;
+    QTest::newRow("five digits, above zero") << 3.4028e38 << outermost;
+    QTest::newRow("two digits") << -3.4e38 << -outermost;
+    QTest::newRow("all digits, cells of six") << -outermost << -3.40282e38;
+}
+
+// As GDAL takes it: writers of such files differ in the digits of the one and of the other.
+void GdalRasterLayerTest::theOutermostFloatIsNoDataHoweverManyDigitsItIsWrittenWith()
+{
+    QFETCH(double, written);
+    QFETCH(double, value);
+    RasterRecipe what = recipe(QSize(300, 200), 1, GDT_Float32);
+    what.value = [value](int, int x, int) { return x < 100 ? value : 60.0 + x % 100; };
+    what.finish = [written](GDALDatasetH dataset) { setNoData(dataset, written); };
+    const QString path = write("outermost", what);
+    GdalRasterLayer layer;
+    QVERIFY(layer.setDataSource(path));
+    QTRY_VERIFY(layer.isValid());
+    const QImage picture = complete(layer, {300, 200, 0, 0, 1.0});
+    QCOMPARE(qAlpha(picture.pixel(99, 100)), 0);
+    QCOMPARE(qAlpha(picture.pixel(100, 100)), 255);
+
+    const Dataset dataset = openRaster(path);
+    unsigned char mask = 255;
+    GDALRasterBandH band = GDALGetMaskBand(GDALGetRasterBand(dataset.get(), 1));
+    QCOMPARE(GDALRasterIO(band, GF_Read, 99, 100, 1, 1, &mask, 1, 1, GDT_Byte, 0, 0), CE_None);
+    QCOMPARE(int(mask), 0);
 }
 
 void GdalRasterLayerTest::deepValuesAreSpreadBetweenTheOuterTwoPercent_data()

@@ -56,6 +56,7 @@ private slots:
     void hugeWholeNumbersKeepTheirLastDigit();
     void noDataIsToldAsSuch_data();
     void noDataIsToldAsSuch();
+    void noDataOfFewDigitsIsToldAsSuch();
     void whatAMaskCoversIsNoData();
 
     void aMirroredSourceCountsItsOwnCells();
@@ -346,6 +347,24 @@ void RasterCellsTest::noDataIsToldAsSuch()
     QCOMPARE(textsOf(none.bands.first()), QStringList(text));
     const CellReading some = cellsOf(layer, {middleOfCell(layer, 5, 4), 1, 0});
     QVERIFY(textsOf(some.bands.first()).first().startsWith("17"));
+}
+
+void RasterCellsTest::noDataOfFewDigitsIsToldAsSuch()
+{
+    RasterRecipe recipe;
+    recipe.size = QSize(20, 10);
+    recipe.bands = 1;
+    recipe.type = GDT_Float32;
+    recipe.value = [](int, int x, int) {
+        return x == 4 ? double(std::numeric_limits<float>::lowest()) : 17.0;
+    };
+    recipe.finish = [](GDALDatasetH dataset) {
+        GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -3.40282e38);
+    };
+    GdalRasterLayer layer;
+    QVERIFY(open(layer, write("nodata", recipe)));
+    const CellReading none = cellsOf(layer, {middleOfCell(layer, 4, 4), 1, 0});
+    QCOMPARE(textsOf(none.bands.first()), QStringList("no data (-3.4028235e+38)"));
 }
 
 void RasterCellsTest::whatAMaskCoversIsNoData()

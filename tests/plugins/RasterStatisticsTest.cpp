@@ -64,6 +64,7 @@ private slots:
     void aSampleWithoutOverviewsIsReduced();
     void aBandOfOneValueIsCountedInOneBin();
     void aSmallSpreadFarFromZeroIsExact();
+    void noDataOfFewDigitsDoesNotCount();
     void nothingValidGivesNothing();
     void aLayerWithoutASourceGivesNothing();
     void bandsAreNamedByTheirColours();
@@ -344,6 +345,37 @@ void RasterStatisticsTest::aSmallSpreadFarFromZeroIsExact()
              qPrintable(QString("%1 %2")
                             .arg(histogram.standardDeviation, 0, 'g', 17)
                             .arg(deviation, 0, 'g', 17)));
+}
+
+void RasterStatisticsTest::noDataOfFewDigitsDoesNotCount()
+{
+    RasterRecipe what;
+    what.bands = 1;
+    what.type = GDT_Float32;
+    what.value = [](int, int x, int y) {
+        return x < 9 ? double(std::numeric_limits<float>::lowest()) : x + y * 0.25;
+    };
+    what.finish = [](GDALDatasetH dataset) {
+        GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -3.40282e38);
+    };
+    const QString path = write(what);
+    GdalRasterLayer layer;
+    QVERIFY(layer.setDataSource(path));
+    QTRY_VERIFY(layer.isValid());
+    const Histogram histogram = whole(layer).first();
+
+    CPLSetThreadLocalConfigOption("GDAL_PAM_ENABLED", "NO");
+    const Dataset dataset = openRaster(path);
+    double low = 0.0;
+    double high = 0.0;
+    double mean = 0.0;
+    double deviation = 0.0;
+    QCOMPARE(GDALComputeRasterStatistics(GDALGetRasterBand(dataset.get(), 1), FALSE, &low, &high,
+                                         &mean, &deviation, nullptr, nullptr),
+             CE_None);
+    QVERIFY(low >= 9.0);
+    QVERIFY(isClose(histogram.mean, mean));
+    QVERIFY(isClose(histogram.standardDeviation, deviation));
 }
 
 void RasterStatisticsTest::nothingValidGivesNothing()
