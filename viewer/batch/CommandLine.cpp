@@ -62,7 +62,8 @@ void declare(QCommandLineParser& parser, const ViewerOptionSet& set)
     parser.setApplicationDescription(QString(
         "Shows georeferenced imagery far larger than memory.\n\n"
         "Ends with 0 when done, 1 for wrong usage, 2 when a source could not be opened,\n"
-        "3 when the picture has gaps or was not complete in time; it is written all the same."));
+        "3 when the picture was not complete in time, or with --render has gaps; it is written all the "
+        "same."));
     parser.addPositionalArgument(
         "files", QString("Files, folders, addresses or maps (.cmap) to open."), "[files...]");
     parser.addOptions({set.snapshot, set.render, set.size, set.extent, set.timeout, set.info,
