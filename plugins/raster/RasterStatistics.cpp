@@ -31,13 +31,21 @@ using Visitor = std::function<void(std::size_t band, const double* values,
 class SampleReader
 {
 public:
-    SampleReader(const RasterHandle& handle, GDALDatasetH dataset, int bandCount, Sample sampled)
+    // madeAlpha is the band that tells where warping has put nothing, 0 for none.
+    SampleReader(const RasterHandle& handle, GDALDatasetH dataset, int bandCount, int madeAlpha,
+                 Sample sampled)
         : sample(std::move(sampled))
     {
+        const auto bandOf = [&](int number) {
+            return sample.overview >= 0 ? handle.overviewBand(number, sample.overview)
+                                        : GDALGetRasterBand(dataset, number);
+        };
         for (int i = 1; i <= bandCount; ++i) {
-            bands.push_back(sample.overview >= 0 ? handle.overviewBand(i, sample.overview)
-                                                 : GDALGetRasterBand(dataset, i));
+            bands.push_back(bandOf(i));
             numbers.push_back(i);
+        }
+        if (madeAlpha > 0) {
+            alpha = bandOf(madeAlpha);
         }
         GDALDatasetH own = GDALGetBandDataset(bands.front());
         readsAllBands = own && GDALGetRasterCount(own) >= bandCount;
@@ -127,6 +135,9 @@ private:
     {
         const int flags = GDALGetMaskFlags(band);
         *valid = nullptr;
+        if (alpha) {
+            return readAlpha(piece, size, count, valid);
+        }
         if ((flags & (GMF_ALL_VALID | GMF_NODATA)) != 0 ||
             GDALGetRasterColorInterpretation(band) == GCI_AlphaBand)
         {
@@ -139,8 +150,27 @@ private:
                             0) == CE_None;
     }
 
+    // Of whatever type: GDAL takes alpha for a mask only where it is unsigned, of 8 or 16 bits.
+    bool readAlpha(const QRect& piece, const QSize& size, std::size_t count,
+                   const unsigned char** valid)
+    {
+        std::vector<float> opacity(count);
+        if (GDALRasterIO(alpha, GF_Read, piece.x(), piece.y(), piece.width(), piece.height(),
+                         opacity.data(), size.width(), size.height(), GDT_Float32, 0, 0) != CE_None)
+        {
+            return false;
+        }
+        mask.resize(count);
+        std::transform(opacity.begin(), opacity.end(), mask.begin(), [](float value) {
+            return static_cast<unsigned char>(value > 0.0F ? 255 : 0);
+        });
+        *valid = mask.data();
+        return true;
+    }
+
     Sample sample;
     std::vector<GDALRasterBandH> bands;
+    GDALRasterBandH alpha = nullptr;
     std::vector<int> numbers;
     bool readsAllBands = false;
     std::vector<double> values;
@@ -232,7 +262,9 @@ QVector<HistogramT<unsigned long long>> RasterStatistics::histograms(const QRect
         window = QRect(0, 0, GDALGetRasterXSize(dataset), GDALGetRasterYSize(dataset));
     }
     std::vector<BandCounter> counters(facts.bands.begin(), facts.bands.end());
-    SampleReader reader(*handle.operator->(), dataset, static_cast<int>(counters.size()),
+    const auto bandCount = static_cast<int>(counters.size());
+    const bool hasBare = dataset == handle->warped.get() && facts.alphaBand > bandCount;
+    SampleReader reader(*handle.operator->(), dataset, bandCount, hasBare ? facts.alphaBand : 0,
                         sampleOf(facts, window, sampleSize));
     bool done = reader.visit([&](std::size_t band, const double* values, const unsigned char* valid,
                                  std::size_t count) { counters[band].add(values, valid, count); });

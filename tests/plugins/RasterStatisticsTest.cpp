@@ -60,6 +60,8 @@ private slots:
     void aViewportCountsThePixelsItTouches();
     void theViewIsTheViewportWithoutARectangle();
     void aViewportBesideTheImageIsEmpty();
+    void whatTurningLeavesBareDoesNotCount_data();
+    void whatTurningLeavesBareDoesNotCount();
     void aSampleIsAnOverviewThatIsLargeEnough();
     void aSampleWithoutOverviewsIsReduced();
     void aBandOfOneValueIsCountedInOneBin();
@@ -269,6 +271,53 @@ void RasterStatisticsTest::aViewportBesideTheImageIsEmpty()
     QVERIFY(layer.setDataSource(write(RasterRecipe())));
     QTRY_VERIFY(layer.isValid());
     QVERIFY(layer.getHistograms(true, false, QSize(500, 500), 0.0, 10.0, 10.0, 0.0).isEmpty());
+}
+
+void RasterStatisticsTest::whatTurningLeavesBareDoesNotCount_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<bool>("hasNoData");
+    QTest::addColumn<bool>("approximate");
+    for (const GDALDataType type : {GDT_Byte, GDT_UInt16, GDT_Int16, GDT_Int32, GDT_Float32}) {
+        const QByteArray name = GDALGetDataTypeName(type);
+        QTest::newRow(name + " exact") << int(type) << false << false;
+        QTest::newRow(name + " exact with no-data") << int(type) << true << false;
+        QTest::newRow(name + " approximate") << int(type) << false << true;
+        QTest::newRow(name + " approximate with no-data") << int(type) << true << true;
+    }
+}
+
+/// The corners of the north-up picture of a turned image hold nothing, nor does what stands for no
+/// data in it.
+void RasterStatisticsTest::whatTurningLeavesBareDoesNotCount()
+{
+    QFETCH(int, type);
+    QFETCH(bool, hasNoData);
+    QFETCH(bool, approximate);
+    RasterRecipe what;
+    what.size = QSize(400, 300);
+    what.bands = 1;
+    what.type = static_cast<GDALDataType>(type);
+    what.transform = {1000.0, 1.6, 1.2, 5000.0, 1.2, -1.6};
+    what.value = [](int, int x, int) { return x < 200 ? 50 : 90; };
+    what.finish = [hasNoData](GDALDatasetH dataset) {
+        if (hasNoData) {
+            GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), 50.0);
+        }
+    };
+    GdalRasterLayer layer;
+    QVERIFY(layer.setDataSource(write(what)));
+    QTRY_VERIFY(layer.isValid());
+    const QRectF all = layer.getBounds();
+    const QVector<Histogram> histograms =
+        layer.getHistograms(true, approximate, QSize(200, 200), all.left() + 5.0, all.top() - 5.0,
+                            all.right() - 5.0, all.bottom() + 5.0);
+    QCOMPARE(histograms.size(), 1);
+    const double lowest = hasNoData ? 90.0 : 50.0;
+    QCOMPARE(double(histograms.first().minimum), lowest);
+    QCOMPARE(double(histograms.first().maximum), 90.0);
+    const double mean = histograms.first().mean;
+    QVERIFY2(std::abs(mean - (hasNoData ? 90.0 : 70.0)) < 1.0, qPrintable(QString::number(mean)));
 }
 
 void RasterStatisticsTest::aSampleIsAnOverviewThatIsLargeEnough()
