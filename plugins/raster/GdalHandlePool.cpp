@@ -78,8 +78,13 @@ DatasetPointer warpToNorthUp(GDALDatasetH original, const QString& file)
     GDALRasterBandH first = GDALGetRasterBand(original, 1);
     const bool mirrored = isOnlyMirrored(original);
     const bool nearest = mirrored || GDALGetRasterColorTable(first) != nullptr;
-    std::vector<const char*> arguments = {"-of", "VRT", "-r", nearest ? "near" : "bilinear",
-                                          mirrored ? nullptr : "-dstalpha"};
+    std::vector<const char*> arguments = {"-of", "VRT", "-r", nearest ? "near" : "bilinear"};
+    // GDAL would take the scale from the boxes around a chunk: that of a turned one is larger in the
+    // source, and the picture would be blurred as if it were reduced
+    arguments.insert(arguments.end(), {"-wo", "XSCALE=1", "-wo", "YSCALE=1"});
+    if (!mirrored) {
+        arguments.push_back("-dstalpha");
+    }
     arguments.push_back(nullptr);
     GDALWarpAppOptions* const options =
         GDALWarpAppOptionsNew(const_cast<char**>(arguments.data()), nullptr);

@@ -134,6 +134,8 @@ private slots:
     void aSouthUpImageIsTurnedOver();
     void aMirroredImageIsTurnedOver();
     void aRotatedImageLiesNorthUpAndIsTransparentAround();
+    void aRotatedImageIsNotBlurred_data();
+    void aRotatedImageIsNotBlurred();
     void groundControlPointsPlaceAnImage();
 
     void anyBandsCanBeChosen();
@@ -527,6 +529,61 @@ void GdalRasterLayerTest::aRotatedImageLiesNorthUpAndIsTransparentAround()
     QCOMPARE(picture.pixel(size.width() / 2, size.height() / 2), qRgb(50, 100, 150));
     QCOMPARE(qAlpha(picture.pixel(2, 2)), 0);
     QCOMPARE(qAlpha(picture.pixel(size.width() - 3, size.height() - 3)), 0);
+}
+
+void GdalRasterLayerTest::aRotatedImageIsNotBlurred_data()
+{
+    QTest::addColumn<double>("angle");
+    QTest::newRow("10 degrees") << 10.0;
+    QTest::newRow("30 degrees") << 30.0;
+    QTest::newRow("90 degrees") << 90.0;
+    QTest::newRow("-140 degrees") << -140.0;
+}
+
+/// A pixel mixes the four cells around its middle, and no others.
+void GdalRasterLayerTest::aRotatedImageIsNotBlurred()
+{
+    QFETCH(double, angle);
+    const auto square = [](double column, double row) {
+        return (static_cast<int>(column) / 4 + static_cast<int>(row) / 4) % 2 * 200.0;
+    };
+    RasterRecipe what = recipe(QSize(400, 300), 1);
+    const double c = 2.0 * std::cos(angle * M_PI / 180.0);
+    const double s = 2.0 * std::sin(angle * M_PI / 180.0);
+    what.transform = {1000.0, c, s, 5000.0, s, -c};
+    what.value = [square](int, int x, int y) { return square(x, y); };
+    GdalRasterLayer layer;
+    QVERIFY(layer.setDataSource(write("squares", what)));
+    QTRY_VERIFY(layer.isValid());
+    const QSize size = layer.getSize();
+    const QImage picture = complete(layer, {size.width(), size.height(), 0, 0, 1.0});
+    int seen = 0;
+    double worst = 0.0;
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            const double east =
+                layer.getBounds().left() + (x + 0.5) * layer.getCellSizeX() - 1000.0;
+            const double north =
+                layer.getBounds().top() + (y + 0.5) * layer.getCellSizeY() - 5000.0;
+            const double column = (c * east + s * north) / 4.0 - 0.5;
+            const double row = (s * east - c * north) / 4.0 - 0.5;
+            if (column < 2.0 || row < 2.0 || column > 397.0 || row > 297.0) {
+                continue;
+            }
+            const double right = column - std::floor(column);
+            const double below = row - std::floor(row);
+            const double mixed =
+                (square(column, row) * (1.0 - right) + square(column + 1.0, row) * right) *
+                    (1.0 - below) +
+                (square(column, row + 1.0) * (1.0 - right) +
+                 square(column + 1.0, row + 1.0) * right) *
+                    below;
+            worst = std::max(worst, std::abs(qRed(picture.pixel(x, y)) - mixed));
+            ++seen;
+        }
+    }
+    QVERIFY(seen > 100000);
+    QVERIFY2(worst < 2.0, qPrintable(QString::number(worst)));
 }
 
 void GdalRasterLayerTest::groundControlPointsPlaceAnImage()
