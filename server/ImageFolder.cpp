@@ -23,11 +23,12 @@ constexpr int restFactor = 20; // looking takes a twentieth of the time at most
 constexpr int mostImages = 20000;
 constexpr int mostDepth = 32;
 
-// Texts that neither XML nor a line of the log can hold.
+// Not so with what XML cannot hold. Joiners within words are held well.
 bool isPlain(const QString& name)
 {
-    return std::all_of(name.begin(), name.end(),
-                       [](QChar letter) { return letter.isPrint() || letter.isSurrogate(); });
+    return std::none_of(name.begin(), name.end(), [](QChar letter) {
+        return letter.category() == QChar::Other_Control || letter.unicode() >= 0xfffe;
+    });
 }
 
 void logLine(const QString& message, LogLevel level)
@@ -118,17 +119,20 @@ void ImageFolder::walk(const QString& folder, int depth, const ImageList& before
     const auto order = QDir::Name | QDir::IgnoreCase | QDir::DirsFirst;
     const QFileInfoList entries =
         QDir(folder + QLatin1Char('/'))
-            .entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot, order);
+            .entryInfoList(QDir::Dirs | QDir::Files | QDir::System | QDir::NoDotAndDotDot, order);
     for (const QFileInfo& entry : entries) {
         if (isStopping || found.images.size() >= mostImages) {
             return;
         }
-        if (!isPlain(entry.fileName())) {
-            continue;
-        }
         const QString name = folder + QLatin1Char('/') + entry.fileName();
-        if (!entry.isDir()) {
-            take(name, before, found);
+        if (!isPlain(entry.fileName())) {
+            if (entry.isDir() || looksLikeImage(name)) {
+                leaveOut(name, {QString(), QStringLiteral("its name has control characters")});
+            }
+        } else if (!entry.isDir()) {
+            if (entry.isFile() || entry.isSymLink()) { // a link that leads nowhere is no file
+                take(name, before, found);
+            }
         } else if (!entry.isSymLink() && depth < mostDepth) {
             walk(name, depth + 1, before, found);
         }
@@ -137,7 +141,7 @@ void ImageFolder::walk(const QString& folder, int depth, const ImageList& before
 
 void ImageFolder::take(const QString& file, const ImageList& before, ImageList& found)
 {
-    const QString path = file.mid(QFile::decodeName(gate->root()).size());
+    const QString path = pathOf(file);
     const auto place = before.places.constFind(path);
     std::shared_ptr<const PublishedImage> image =
         place == before.places.constEnd() ? nullptr : before.images[*place];
@@ -156,15 +160,27 @@ void ImageFolder::take(const QString& file, const ImageList& before, ImageList& 
         QString reason;
         image = readImage(*gate, file, &reason);
         if (!image) {
-            if (!reason.isEmpty() && reason != known.reason) {
-                logLine(QStringLiteral("left out %1: %2").arg(path, reason), LogLevel::Warning);
-            }
-            refusing.insert(file, {stamp, reason});
+            leaveOut(file, {stamp, reason});
             return;
         }
     }
     found.places.insert(path, found.images.size());
     found.images.append(std::move(image));
+}
+
+// The log tells a reason once.
+void ImageFolder::leaveOut(const QString& file, const Refusal& refusal)
+{
+    if (!refusal.reason.isEmpty() && refusal.reason != refused.value(file).reason) {
+        logLine(QStringLiteral("left out %1: %2").arg(pathOf(file), refusal.reason),
+                LogLevel::Warning);
+    }
+    refusing.insert(file, refusal);
+}
+
+QString ImageFolder::pathOf(const QString& file) const
+{
+    return file.mid(QFile::decodeName(gate->root()).size());
 }
 
 } // namespace Corvane::Server

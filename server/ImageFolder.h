@@ -53,6 +53,8 @@ private:
     std::shared_ptr<const ImageList> look();
     void walk(const QString& folder, int depth, const ImageList& before, ImageList& found);
     void take(const QString& file, const ImageList& before, ImageList& found);
+    void leaveOut(const QString& file, const Refusal& refusal);
+    QString pathOf(const QString& file) const;
 
     std::shared_ptr<const FolderGate> gate;
     std::atomic<bool> mayRest{true};

@@ -36,19 +36,6 @@ bool isCompanion(const QString& file)
     });
 }
 
-// Whether one of the formats goes by the suffix.
-bool looksLikeImage(const QString& file)
-{
-    const QByteArray suffix = QFileInfo(file).suffix().toLower().toUtf8();
-    for (int i = 0; i < GDALGetDriverCount() && !suffix.isEmpty(); ++i) {
-        const QByteArray all(GDALGetMetadataItem(GDALGetDriver(i), GDAL_DMD_EXTENSIONS, nullptr));
-        if (all.toLower().split(' ').contains(suffix)) {
-            return suffix != "xml" && suffix != "txt";
-        }
-    }
-    return false;
-}
-
 // The sources that a virtual raster names and that do not lie in the folder.
 QString sourceElsewhere(const FolderGate& gate, GDALDatasetH dataset, const QString& file)
 {
@@ -180,6 +167,18 @@ QString stampOf(const FolderGate& gate, const QStringList& files)
         }
     }
     return QString::fromLatin1(hash.result().toHex().left(stampLetters));
+}
+
+bool looksLikeImage(const QString& file)
+{
+    const QByteArray suffix = QFileInfo(file).suffix().toLower().toUtf8();
+    for (int i = 0; i < GDALGetDriverCount() && !suffix.isEmpty(); ++i) {
+        const QByteArray all(GDALGetMetadataItem(GDALGetDriver(i), GDAL_DMD_EXTENSIONS, nullptr));
+        if (all.toLower().split(' ').contains(suffix)) {
+            return suffix != "xml" && suffix != "txt";
+        }
+    }
+    return false;
 }
 
 std::shared_ptr<const PublishedImage> readImage(const FolderGate& gate, const QString& file,

@@ -41,6 +41,9 @@ struct PublishedImage
 /// Changes whenever one of the files, or a file that goes along with the first, does.
 QString stampOf(const FolderGate& gate, const QStringList& files);
 
+/// Whether one of the formats goes by the suffix.
+bool looksLikeImage(const QString& file);
+
 /// Null where the file is no image, or one that cannot be published; then reason says why, and is
 /// empty where nobody would take it for an image. May take long. Any thread.
 std::shared_ptr<const PublishedImage> readImage(const FolderGate& gate, const QString& file,

@@ -102,6 +102,8 @@ private slots:
     void onlyStreamedSuffixesOfferStreaming_data();
     void onlyStreamedSuffixesOfferStreaming();
     void namesThatUrlsPackComeAsTheyAre();
+    void namesWithJoinersAreListed();
+    void whatCannotBeNamedOrFoundIsLeftOutWithALine();
     void aFolderIsAskedForAlone();
     void withoutRecursionOneLevelComes();
     void theServerDescribesItself();
@@ -197,6 +199,42 @@ void DiscoveryTest::namesThatUrlsPackComeAsTheyAre()
     // Qt leaves an ampersand in a value alone; clients that want one pack it themselves
     const QByteArray target = details.toEncoded().replace("&c", "%26c");
     QCOMPARE(rootOf(server.ask(target)).attribute("name"), '/' + name);
+}
+
+void DiscoveryTest::namesWithJoinersAreListed()
+{
+    const QString name = QString::fromUtf8("\xd9\x85\xdb\x8c\xe2\x80\x8c\xd8\xb1\xd9\x88.tif");
+    QVERIFY(makeImage(file("image.tif")));
+    QVERIFY(QFile::rename(file("image.tif"), file(name)));
+    ServerProcess server(base->path());
+    QCOMPARE(treeOf(server.ask(wholeTree)), QStringList('/' + name + " zwtp=false raxion=true"));
+    QUrl url;
+    url.setPath("/tiles/" + name);
+    QCOMPARE(server.ask(url.toEncoded()).json()["path"].toString(), '/' + name);
+}
+
+void DiscoveryTest::whatCannotBeNamedOrFoundIsLeftOutWithALine()
+{
+    QVERIFY(makeImage(file("good.tif")));
+    QVERIFY(makeImage(file("folder/inner.tif")));
+    QVERIFY(QFile::copy(file("good.tif"), file("line\nend.tif")));
+    QVERIFY(QFile::copy(file("good.tif"), file("line\nend.txt"))); // nobody takes it for an image
+    QVERIFY(QFile::rename(file("folder"), file("tab\tfolder")));
+    QVERIFY(QFile::link("gone.tif", file("broken.tif")));
+    QVERIFY(QFile::link("round.tif", file("round.tif")));
+    ServerProcess server(base->path());
+    QCOMPARE(treeOf(server.ask(wholeTree)), QStringList("/good.tif zwtp=false raxion=true"));
+    QVERIFY(makeImage(file("second.tif"))); // the folder is looked through again
+    QTRY_COMPARE(treeOf(server.ask(wholeTree)).size(), 2);
+    const QString log = server.log();
+    for (const char* const line : {"/line\\u000aend.tif: its name has control characters",
+                                   "/tab\\u0009folder: its name has control characters",
+                                   "/broken.tif: it leads out of the published folder, or nowhere",
+                                   "/round.tif: it leads out of the published folder, or nowhere"})
+    {
+        QVERIFY2(log.count(QLatin1String("left out ") + line) == 1, qPrintable(log));
+    }
+    QCOMPARE(log.count("left out"), 4);
 }
 
 void DiscoveryTest::aFolderIsAskedForAlone()
