@@ -33,7 +33,8 @@ SourceHealth& WebTileLoader::health() const
 
 bool WebTileLoader::isKnownEmpty(const TileId& tile) const
 {
-    return zoomOf(tile.level) < source->minZoom || ServedTileLink::isKnownEmpty(tile);
+    return source->lacks({zoomOf(tile.level), tile.x, tile.y}) ||
+           ServedTileLink::isKnownEmpty(tile);
 }
 
 TileOrder WebTileLoader::orderFor(const TileId& tile) const

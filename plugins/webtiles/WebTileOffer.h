@@ -2,6 +2,8 @@
 
 #include <plugins/webtiles/TileTemplate.h>
 
+#include <QHash>
+#include <QRect>
 #include <QString>
 #include <QStringList>
 
@@ -22,6 +24,7 @@ struct WebTileOffer
     std::optional<int> minZoom;
     std::optional<int> maxZoom;
     std::optional<int> tileSize; // pixels
+    QHash<int, QRect> limits;    // by zoom: the columns and rows that there are, where it says so
     QString attribution;
     QString title;
 };

@@ -73,6 +73,7 @@ std::shared_ptr<WebTileSource> WebTileSource::make(const WebTileOffer& offer,
         std::clamp(settings.maxZoom.value_or(offer.maxZoom.value_or(usualMaxZoom)), 0, finest);
     source->minZoom =
         std::clamp(settings.minZoom.value_or(offer.minZoom.value_or(0)), 0, source->maxZoom);
+    source->limits = offer.limits;
     source->hosts = hosts;
     source->userAgent = userAgentWith(settings.userAgentSuffix);
     source->deadline = settings.deadlineMilliseconds();
@@ -82,6 +83,16 @@ std::shared_ptr<WebTileSource> WebTileSource::make(const WebTileOffer& offer,
 TileOrder WebTileSource::orderFor(const WebTile& tile) const
 {
     return {QUrl(urls.urlOf(tile)), userAgent, QByteArray(), deadline};
+}
+
+bool WebTileSource::lacks(const WebTile& tile) const
+{
+    if (tile.zoom < minZoom) {
+        return true;
+    }
+    const auto there = limits.constFind(tile.zoom);
+    return there != limits.constEnd() &&
+           !there->contains(static_cast<int>(tile.x), static_cast<int>(tile.y));
 }
 
 QString plainAttribution(const QString& text)

@@ -5,6 +5,8 @@
 #include <plugins/webtiles/TileTemplate.h>
 
 #include <QByteArray>
+#include <QHash>
+#include <QRect>
 #include <QString>
 
 #include <memory>
@@ -41,11 +43,14 @@ struct WebTileSource
     WebTileSource(TileTemplate tileUrls, const QString& name);
 
     TileOrder orderFor(const WebTile& tile) const;
+    /// Whether the source says of itself that it has no such tile: many answer with an error there.
+    bool lacks(const WebTile& tile) const;
 
     TileTemplate urls;
     int minZoom = 0; // tiles of coarser ones are empty
     int maxZoom = 19;
     int tileSize = 256;
+    QHash<int, QRect> limits; // by zoom, in tiles
     QString hosts;
     QByteArray userAgent;
     int deadline = 20000; // milliseconds

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -121,6 +122,35 @@ std::optional<Grid> readGrid(const QDomElement& set)
         std::find_if(first, names.end(), [](const QString& name) { return name.isEmpty(); });
     grid.zoomNames = names.mid(0, static_cast<int>(gap - names.begin()));
     return grid;
+}
+
+// Nothing where they make no rectangle.
+QRect limitsIn(const QDomElement& limits)
+{
+    static const char* const names[] = {"MinTileCol", "MinTileRow", "MaxTileCol", "MaxTileRow"};
+    int values[std::size(names)] = {};
+    bool ok = true;
+    for (std::size_t i = 0; i < std::size(names) && ok; ++i) {
+        values[i] = textOf(limits, names[i]).toInt(&ok);
+        ok = ok && values[i] >= 0;
+    }
+    return ok ? QRect(QPoint(values[0], values[1]), QPoint(values[2], values[3])) : QRect();
+}
+
+// By zoom; a zoom without limits has all its tiles.
+QHash<int, QRect> limitsOf(const QDomElement& link, const Grid& grid)
+{
+    QHash<int, QRect> result;
+    for (const QDomElement& limits :
+         children(child(link, "TileMatrixSetLimits"), "TileMatrixLimits")) {
+        const QString name = textOf(limits, "TileMatrix");
+        const QRect there = limitsIn(limits);
+        const int zoom = name.isEmpty() ? -1 : grid.zoomNames.indexOf(name);
+        if (zoom >= 0 && there.isValid()) {
+            result.insert(zoom, there);
+        }
+    }
+    return result;
 }
 
 QString styleOf(const QDomElement& layer)
@@ -279,6 +309,7 @@ std::shared_ptr<WebTileOffer> offerOf(const QDomElement& root, const QDomElement
         auto offer = std::make_shared<WebTileOffer>();
         offer->url = url;
         offer->zoomNames = grid->zoomNames;
+        offer->limits = limitsOf(link, *grid);
         offer->minZoom = grid->minZoom;
         offer->maxZoom = grid->zoomNames.size() - 1;
         offer->tileSize = grid->tileSize;

@@ -93,6 +93,31 @@ GdalTile gdalsTileAt(double longitude, double latitude, int zoom)
     return tile;
 }
 
+/// Capabilities with one layer of the zooms 0 and 1.
+QByteArray chartOf(const QByteArray& address, const QByteArray& limits = QByteArray())
+{
+    return "<Capabilities xmlns=\"http://www.opengis.net/wmts/1.0\" "
+           "xmlns:ows=\"http://www.opengis.net/ows/1.1\"><Contents><Layer>"
+           "<ows:Title>Chart</ows:Title><ows:Identifier>chart</ows:Identifier>"
+           "<Style isDefault=\"true\"><ows:Identifier>default</ows:Identifier></Style>"
+           "<Format>image/png</Format><TileMatrixSetLink><TileMatrixSet>web</TileMatrixSet>" +
+           limits +
+           "</TileMatrixSetLink><ResourceURL format=\"image/png\" resourceType=\"tile\" template=\"" +
+           address +
+           "/{TileMatrix}/{TileCol}/{TileRow}.png\"/></Layer><TileMatrixSet>"
+           "<ows:Identifier>web</ows:Identifier>"
+           "<ows:SupportedCRS>urn:ogc:def:crs:EPSG::3857</ows:SupportedCRS>"
+           "<TileMatrix><ows:Identifier>0</ows:Identifier>"
+           "<ScaleDenominator>559082264.0287178</ScaleDenominator>"
+           "<TopLeftCorner>-20037508.342789 20037508.342789</TopLeftCorner>"
+           "<TileWidth>256</TileWidth><TileHeight>256</TileHeight></TileMatrix>"
+           "<TileMatrix><ows:Identifier>1</ows:Identifier>"
+           "<ScaleDenominator>279541132.0143589</ScaleDenominator>"
+           "<TopLeftCorner>-20037508.342789 20037508.342789</TopLeftCorner>"
+           "<TileWidth>256</TileWidth><TileHeight>256</TileHeight></TileMatrix>"
+           "</TileMatrixSet></Contents></Capabilities>";
+}
+
 } // namespace
 
 /// What a web tile layer asks for, where it lies and what it paints, against a real server.
@@ -137,6 +162,7 @@ private slots:
     void whatIsSetGoesBeforeThePreset();
     void settingsThatMakeNoSourceCanBeMended();
     void capabilitiesOpenInTheBackground();
+    void tilesBeyondTheLimitsOfALayerAreEmptyAndNotAskedFor();
     void capabilitiesThatDoNotComeFailLater();
     void namesInCapabilitiesReachTheServerWhole_data();
     void namesInCapabilitiesReachTheServerWhole();
@@ -686,26 +712,7 @@ void WebTileLayerTest::whatIsSetGoesBeforeThePreset()
 void WebTileLayerTest::capabilitiesOpenInTheBackground()
 {
     TileServer server;
-    const QByteArray document =
-        "<Capabilities xmlns=\"http://www.opengis.net/wmts/1.0\" "
-        "xmlns:ows=\"http://www.opengis.net/ows/1.1\"><Contents><Layer>"
-        "<ows:Title>Chart</ows:Title><ows:Identifier>chart</ows:Identifier>"
-        "<Style isDefault=\"true\"><ows:Identifier>default</ows:Identifier></Style>"
-        "<Format>image/png</Format><TileMatrixSetLink><TileMatrixSet>web</TileMatrixSet>"
-        "</TileMatrixSetLink><ResourceURL format=\"image/png\" resourceType=\"tile\" template=\"" +
-        server.url("").toUtf8() +
-        "/{TileMatrix}/{TileCol}/{TileRow}.png\"/></Layer><TileMatrixSet>"
-        "<ows:Identifier>web</ows:Identifier>"
-        "<ows:SupportedCRS>urn:ogc:def:crs:EPSG::3857</ows:SupportedCRS>"
-        "<TileMatrix><ows:Identifier>0</ows:Identifier>"
-        "<ScaleDenominator>559082264.0287178</ScaleDenominator>"
-        "<TopLeftCorner>-20037508.342789 20037508.342789</TopLeftCorner>"
-        "<TileWidth>256</TileWidth><TileHeight>256</TileHeight></TileMatrix>"
-        "<TileMatrix><ows:Identifier>1</ows:Identifier>"
-        "<ScaleDenominator>279541132.0143589</ScaleDenominator>"
-        "<TopLeftCorner>-20037508.342789 20037508.342789</TopLeftCorner>"
-        "<TileWidth>256</TileWidth><TileHeight>256</TileHeight></TileMatrix>"
-        "</TileMatrixSet></Contents></Capabilities>";
+    const QByteArray document = chartOf(server.url("").toUtf8());
     server.on("/wmts.xml", HttpReply::data(document, "application/xml").held());
     WebTileLayer layer;
     QSignalSpy opened(&layer, &WebTileLayer::sourceOpened);
@@ -719,6 +726,31 @@ void WebTileLayerTest::capabilitiesOpenInTheBackground()
     QCOMPARE(layer.getDescription(), QString("Chart"));
     const QImage picture = complete(layer, viewOf(layer, 1, 0, 0, 2, 2));
     QCOMPARE(middleOf(picture, 1, 0), (TileNumbers{1, 1, 0}.colour()));
+}
+
+void WebTileLayerTest::tilesBeyondTheLimitsOfALayerAreEmptyAndNotAskedFor()
+{
+    TileServer server;
+    server.onTile([](const TileNumbers& tile) {
+        return tile.x == 0 ? tileReply(tile) : HttpReply::withStatus(400, "TileOutOfRange");
+    });
+    const QByteArray limits = "<TileMatrixSetLimits><TileMatrixLimits><TileMatrix>1</TileMatrix>"
+                              "<MinTileRow>0</MinTileRow><MaxTileRow>1</MaxTileRow>"
+                              "<MinTileCol>0</MinTileCol><MaxTileCol>0</MaxTileCol>"
+                              "</TileMatrixLimits></TileMatrixSetLimits>";
+    server.on("/wmts.xml",
+              HttpReply::data(chartOf(server.url("").toUtf8(), limits), "application/xml"));
+    WebTileLayer layer;
+    QVERIFY(layer.setDataSource(server.url("/wmts.xml")));
+    QTRY_VERIFY(layer.isValid());
+    const QImage picture = complete(layer, viewOf(layer, 1, 0, 0, 2, 2));
+    QCOMPARE(int(layer.getPercentComplete()), 100);
+    QCOMPARE(middleOf(picture, 0, 1), (TileNumbers{1, 0, 1}.colour()));
+    QCOMPARE(qAlpha(middleOf(picture, 1, 0)), 0);
+    QCOMPARE(layer.getLastError(), QString());
+    for (const HttpRequest& request : server.requests()) {
+        QVERIFY2(request.target.find("/1/1/") == std::string::npos, request.target.c_str());
+    }
 }
 
 void WebTileLayerTest::capabilitiesThatDoNotComeFailLater()

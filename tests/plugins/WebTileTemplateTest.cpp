@@ -72,6 +72,7 @@ private slots:
     void capabilitiesGiveTheUrlOfALayer();
     void capabilitiesWithoutTemplatesGiveAQuery();
     void aSetMayBeginFinerAndNameItsZoomsAsItLikes();
+    void limitsOfALayerAreKeptByZoom();
     void largeTilesAreAZoomApart();
     void otherGridsAreRefused_data();
     void otherGridsAreRefused();
@@ -219,6 +220,30 @@ void WebTileTemplateTest::aSetMayBeginFinerAndNameItsZoomsAsItLikes()
     urls->setZoomNames(offer->zoomNames);
     QCOMPARE(urls->urlOf({3, 1, 2}), QString("http://e.org/fine/web/fine/2/1.png"));
     QCOMPARE(urls->urlOf({2, 1, 2}), QString("http://e.org/fine/web/coarse/2/1.png"));
+}
+
+void WebTileTemplateTest::limitsOfALayerAreKeptByZoom()
+{
+    const auto limits = [](const QByteArray& zoom, const QByteArray& columns) {
+        return "<TileMatrixLimits><TileMatrix>" + zoom +
+               "</TileMatrix><MinTileRow>1</MinTileRow><MaxTileRow>2</MaxTileRow>" + columns +
+               "</TileMatrixLimits>";
+    };
+    const auto columns = [](const QByteArray& first, const QByteArray& last) {
+        return "<MinTileCol>" + first + "</MinTileCol><MaxTileCol>" + last + "</MaxTileCol>";
+    };
+    QByteArray layers = layer("chart", "web", resource);
+    layers.replace("</TileMatrixSet>",
+                   "</TileMatrixSet><TileMatrixSetLimits>" + limits("c", columns("3", "5")) +
+                       limits("d", columns("5", "3")) + limits("e", columns("-1", "3")) +
+                       limits("f", "") + limits("", columns("3", "5")) +
+                       limits("none", columns("3", "5")) + "</TileMatrixSetLimits>");
+    const QByteArray set = matrixSet("web", matrix("c", world / 8) + matrix("d", world / 16) +
+                                                matrix("e", world / 32) + matrix("f", world / 64));
+    QString error;
+    const auto offer = readCapabilities(capabilities(layers, set), "", &error);
+    QVERIFY(offer);
+    QCOMPARE(offer->limits, (QHash<int, QRect>{{3, QRect(QPoint(3, 1), QPoint(5, 2))}}));
 }
 
 void WebTileTemplateTest::largeTilesAreAZoomApart()
