@@ -3,6 +3,7 @@
 #include <plugins/common/GdalAccess.h>
 #include <plugins/common/PoolActivity.h>
 #include <plugins/raster/GdalHandlePool.h>
+#include <plugins/raster/MaskedCopy.h>
 #include <plugins/raster/OverviewPlace.h>
 #include <plugins/raster/RasterFacts.h>
 #include <plugins/raster/TiffPages.h>
@@ -166,9 +167,11 @@ bool halve(const QString& name, const OverviewOrder& order, Progress& progress, 
 class Levels
 {
 public:
-    Levels(const OverviewPlace& place, QString view)
+    Levels(const OverviewPlace& place, const QString& view)
         : file(place.workFile(QStringLiteral("overviews.tif"))),
-          last(std::move(view)),
+          image(view),
+          last(view),
+          isMasked(hasMask(view)),
           folder(place)
     {
     }
@@ -176,10 +179,13 @@ public:
     /// The next level; false with the reason in error.
     bool add(const OverviewOrder& order, Progress& progress, QString* error)
     {
-        if (!halve(last, order, progress, error) || progress.isStopped()) {
+        const QString source = nextSource();
+        if ((source != last && !writeMaskedCopy(last, image, source, error)) ||
+            !halve(source, order, progress, error) || progress.isStopped())
+        {
             return false;
         }
-        const QString made = last + QStringLiteral(".ovr");
+        const QString made = source + QStringLiteral(".ovr");
         const QString level = folder.workFile(QStringLiteral("level%1.tif").arg(++count));
         const bool isFirst = count == 1;
         const QString name = isFirst ? file : level;
@@ -201,7 +207,16 @@ public:
     const QString file;
 
 private:
+    // The first level is made of the image itself, which has its mask.
+    QString nextSource() const
+    {
+        const bool lacksMask = isMasked && count > 0;
+        return lacksMask ? folder.workFile(QStringLiteral("masked%1.vrt").arg(count)) : last;
+    }
+
+    const QString image;
     QString last; // of which the next one is made
+    const bool isMasked;
     const OverviewPlace& folder;
     int count = 0;
 };

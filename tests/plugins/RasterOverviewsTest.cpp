@@ -112,6 +112,21 @@ bool build(GdalRasterLayer& layer)
            QTest::qWaitFor([&layer] { return !layer.getOverviews().isEmpty(); }, generous);
 }
 
+/// Of an image of 1500 x 1200 pixels.
+void hideLeftHalf(GDALDatasetH dataset)
+{
+    GDALCreateDatasetMaskBand(dataset, GMF_PER_DATASET);
+    GDALRasterBandH mask = GDALGetMaskBand(GDALGetRasterBand(dataset, 1));
+    std::vector<unsigned char> row(1500, 0);
+    std::fill(row.begin() + 750, row.end(), 255);
+    for (int y = 0; y < 1200; ++y) {
+        if (GDALRasterIO(mask, GF_Write, 0, y, 1500, 1, row.data(), 1500, 1, GDT_Byte, 0, 0) !=
+            CE_None) {
+            qFatal("no mask");
+        }
+    }
+}
+
 } // namespace
 
 /// Overviews of large files that have none: built in the background, shown by the same layer.
@@ -135,6 +150,8 @@ private slots:
     void coloursOfAPaletteAreNotMixed();
     void whatHasNoDataStaysOut();
     void transparencyStays();
+    void whatAMaskHidesStaysOutOfAllLevels_data();
+    void whatAMaskHidesStaysOutOfAllLevels();
     void deepValuesKeepTheirMeans();
 
     void cancellingLeavesNothing();
@@ -381,18 +398,7 @@ void RasterOverviewsTest::transparencyStays()
 {
     RasterRecipe recipe = plain();
     recipe.value = [](int, int, int) { return 90.0; };
-    recipe.finish = [](GDALDatasetH dataset) {
-        GDALCreateDatasetMaskBand(dataset, GMF_PER_DATASET);
-        GDALRasterBandH mask = GDALGetMaskBand(GDALGetRasterBand(dataset, 1));
-        std::vector<unsigned char> row(1500, 0);
-        std::fill(row.begin() + 750, row.end(), 255);
-        for (int y = 0; y < 1200; ++y) {
-            if (GDALRasterIO(mask, GF_Write, 0, y, 1500, 1, row.data(), 1500, 1, GDT_Byte, 0, 0) !=
-                CE_None) {
-                qFatal("no mask");
-            }
-        }
-    };
+    recipe.finish = hideLeftHalf;
     QVERIFY(makeRaster(path("a.tif"), recipe));
     const auto layer = openLayer(path("a.tif"));
     QVERIFY(layer->getOpacity());
@@ -400,6 +406,42 @@ void RasterOverviewsTest::transparencyStays()
     const QImage picture = complete(*layer, {375, 300, 0, 0, 4.0});
     QCOMPARE(picture.pixelColor(100, 100).alpha(), 0);
     QCOMPARE(picture.pixelColor(300, 100), QColor(90, 90, 90));
+}
+
+void RasterOverviewsTest::whatAMaskHidesStaysOutOfAllLevels_data()
+{
+    QTest::addColumn<int>("bands");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<double>("tolerance");
+    QTest::newRow("grey") << 1 << QStringList() << 0.0;
+    QTest::newRow("colour in JPEG, which rings beside edges")
+        << 3 << QStringList{"COMPRESS=JPEG", "PHOTOMETRIC=YCBCR"} << 15.0;
+}
+
+// The edge of the mask lies within a pixel of each level but the first.
+void RasterOverviewsTest::whatAMaskHidesStaysOutOfAllLevels()
+{
+    QFETCH(int, bands);
+    QFETCH(QStringList, options);
+    QFETCH(double, tolerance);
+    RasterRecipe recipe = plain();
+    recipe.bands = bands;
+    recipe.options << options;
+    recipe.value = [](int, int x, int) { return x < 750 ? 0.0 : 90.0; };
+    recipe.finish = hideLeftHalf;
+    QVERIFY(makeRaster(path("a.tif"), recipe));
+    QVERIFY(build(*openLayer(path("a.tif"))));
+    const Dataset overviews = openRaster(path("a.tif.ovr"));
+    QVERIFY(overviews);
+    GDALRasterBandH half = GDALGetRasterBand(overviews.get(), 1);
+    QCOMPARE(GDALGetOverviewCount(half), 2);
+    for (int level = 0; level < 2; ++level) {
+        unsigned char pixel = 0;
+        QCOMPARE(GDALRasterIO(GDALGetOverview(half, level), GF_Read, 750 >> (level + 2), 100, 1, 1,
+                              &pixel, 1, 1, GDT_Byte, 0, 0),
+                 CE_None);
+        QVERIFY2(std::abs(pixel - 90.0) <= tolerance, qPrintable(QString::number(pixel)));
+    }
 }
 
 void RasterOverviewsTest::deepValuesKeepTheirMeans()
