@@ -19,7 +19,6 @@
 #include <QSettings>
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 namespace Corvane::Map {

@@ -9,8 +9,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <functional>
+#include <limits>
 #include <optional>
 
 namespace Corvane::Map {

@@ -21,7 +21,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <memory>
 #include <thread>
 

@@ -350,6 +350,7 @@ void WebTileFailuresTest::anAnswerUnderWayDoesNotEndThePause()
     WebTileLayer layer;
     openWith(server, layer, 3);
     viewOf(0, 0, 2, 1).set(layer);
+    QVERIFY(server.waitForHeld(1));
     QTRY_VERIFY_WITH_TIMEOUT(layer.getSourceState().startsWith("left alone for 90 s"), generous);
     server.release();
     QTRY_COMPARE_WITH_TIMEOUT(int(layer.getPercentComplete()), 50, generous);
